@@ -7,7 +7,8 @@ namespace zeb {
 
 /// A column-major matrix over a counted buffer. Entry (i, j) is buffer->data[ld * j + offset + i]. Views (col,
 /// sub_matrix) and shallow copies share the buffer and see each other's writes; copies are deep and compact.
-/// A matrix is empty when rows x cols is 0. Access is not checked. The fields are public: loops may work on them directly.
+/// A matrix is empty when rows x cols is 0. Access is not checked. The fields are public: loops may work on them
+/// directly.
 template <class T>
 class dense2D {
 public:
@@ -153,7 +154,8 @@ public:
     }
 
     /// View of `row_count` x `col_count` entries from (i0, j0) on.
-    dense2D sub_matrix(std::uint64_t i0, std::uint64_t j0, std::uint64_t row_count, std::uint64_t col_count) const noexcept
+    dense2D sub_matrix(std::uint64_t i0, std::uint64_t j0, std::uint64_t row_count,
+                       std::uint64_t col_count) const noexcept
     {
         dense2D view;
         detail::retain(buffer);

@@ -58,12 +58,28 @@ public:
     constexpr T* operator->() const noexcept { return position_; }
     constexpr T& operator[](std::ptrdiff_t i) const noexcept { return position_[i]; }
 
-    constexpr segment_iterator& operator++() noexcept { ++position_; return *this; }
-    constexpr segment_iterator& operator--() noexcept { --position_; return *this; }
+    constexpr segment_iterator& operator++() noexcept
+    {
+        ++position_;
+        return *this;
+    }
+    constexpr segment_iterator& operator--() noexcept
+    {
+        --position_;
+        return *this;
+    }
     constexpr segment_iterator operator++(int) noexcept { return segment_iterator(position_++); }
     constexpr segment_iterator operator--(int) noexcept { return segment_iterator(position_--); }
-    constexpr segment_iterator& operator+=(std::ptrdiff_t n) noexcept { position_ += n; return *this; }
-    constexpr segment_iterator& operator-=(std::ptrdiff_t n) noexcept { position_ -= n; return *this; }
+    constexpr segment_iterator& operator+=(std::ptrdiff_t n) noexcept
+    {
+        position_ += n;
+        return *this;
+    }
+    constexpr segment_iterator& operator-=(std::ptrdiff_t n) noexcept
+    {
+        position_ -= n;
+        return *this;
+    }
 
     friend constexpr segment_iterator operator+(segment_iterator a, std::ptrdiff_t n) noexcept { return a += n; }
     friend constexpr segment_iterator operator+(std::ptrdiff_t n, segment_iterator a) noexcept { return a += n; }
