@@ -57,19 +57,11 @@ TEST(Dense1D, PushBackGrowsAsTheInterfaceSays)
     const unsigned expected4[] = {4, 4, 5, 6, 8, 10, 12, 14, 16};
     const unsigned expected8[] = {4, 4, 4, 6, 8, 10, 12, 14, 16};
     for (unsigned full = 0; full < 9; ++full) {
-        dense1D<unsigned> u;
-        dense1D<double> d;
+        dense1D<unsigned> u(full, 0u);
+        dense1D<double> d(full, 0.0);
         if (full != 0) {
-            u.resize(1);
-            u.buffer->capacity = full;  // as if the block held no more
-            u.size = full;
-            d.resize(1);
+            u.buffer->capacity = full;  // the block holds more; what counts is that the record says it is full
             d.buffer->capacity = full;
-            d.size = full;
-            u.resize(std::min(full, 3u));
-            u.offset = full - u.size;
-            d.resize(std::min(full, 3u));
-            d.offset = full - d.size;
         }
         u.push_back(7u);
         d.push_back(7.0);
