@@ -44,7 +44,10 @@ private:
 // what follows it is dropped.
 class block_writer {
 public:
-    explicit block_writer(std::FILE* stream) : stream_(stream) {}
+    explicit block_writer(std::FILE* stream = nullptr) : stream_(stream) {}
+
+    // For writers that want to have their memory before they create a file.
+    void set_stream(std::FILE* stream) { stream_ = stream; }
 
     // To be called once, before anything is put. False without memory.
     [[nodiscard]] bool allocate()
