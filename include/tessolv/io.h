@@ -23,6 +23,13 @@ TESSOLV_API int STL_output(const char* filename, const dense2D<double>& pos, con
                            bool ascii);
 TESSOLV_API int STL_input(const char* filename, dense2D<double>& pos, dense2D<unsigned int>& connect, bool ascii);
 
+TESSOLV_API int WavefrontOBJ_output(const char* filename, const dense2D<double>& pos, const dense2D<double>& normals,
+                                    const dense2D<double>& uvs, const dense2D<unsigned int>& tria_connect,
+                                    const dense2D<unsigned int>& quad_connect);
+TESSOLV_API int WavefrontOBJ_input(const char* filename, dense2D<double>& pos, dense2D<double>& normals,
+                                   dense2D<double>& uvs, dense2D<unsigned int>& tria_connect,
+                                   dense2D<unsigned int>& quad_connect);
+
 }  // namespace tessolv
 }  // namespace zeb
 
