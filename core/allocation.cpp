@@ -1,8 +1,9 @@
 #include <cstdlib>
 
-#include <zeb/dense1D.h>
-#include <zeb/dense2D.h>
+#include <zeb/dense_buffer.h>
 
+// Alone in this file: a compiler that sees definition and call together may bind them for good, and a program could no
+// longer put its own functions in the place of these.
 namespace zeb {
 
 char* __vector_num_alloc(std::size_t bytes)
@@ -14,14 +15,5 @@ void __vector_num_free(char* block)
 {
     std::free(block);
 }
-
-// The usual containers, compiled once here for the library and its hosts.
-template class dense1D<unsigned int>;
-template class dense1D<int>;
-template class dense1D<float>;
-template class dense1D<double>;
-template class dense2D<unsigned int>;
-template class dense2D<float>;
-template class dense2D<double>;
 
 }  // namespace zeb

@@ -60,9 +60,8 @@ bool check_IDs(const dense1D<unsigned int>& ids, unsigned int n)
 bool check_IDs(const dense2D<unsigned int>& ids, unsigned int n)
 {
     bool good = true;
-    for_each_run(ids, [&](const unsigned int* run, std::uint64_t count) {
-        good = good && all_below_or_none(run, count, n);
-    });
+    for_each_run(
+        ids, [&](const unsigned int* run, std::uint64_t count) { good = good && all_below_or_none(run, count, n); });
     return good;
 }
 
@@ -70,12 +69,14 @@ bool check_IDs(const dense2D<unsigned int>& connect, element_type type, unsigned
 {
     if (connect.rows * connect.cols == 0) return true;
     switch (type) {
-    case EL_FACE_MIX:
-        return (connect.rows == 3 || connect.rows == 4) && mixed_columns_below(connect, 3, 3, n);
-    case EL_SOLID_MIX:
-        return (connect.rows == 4 || connect.rows == 6 || connect.rows == 8) && mixed_columns_below(connect, 4, 6, n);
-    default:
-        return type >= EL_NONE && type <= EL_HEXA27 && connect.rows == NODES_PER_ELEMENT[type] && all_below(connect, n);
+        case EL_FACE_MIX:
+            return (connect.rows == 3 || connect.rows == 4) && mixed_columns_below(connect, 3, 3, n);
+        case EL_SOLID_MIX:
+            return (connect.rows == 4 || connect.rows == 6 || connect.rows == 8) &&
+                   mixed_columns_below(connect, 4, 6, n);
+        default:
+            return type >= EL_NONE && type <= EL_HEXA27 && connect.rows == NODES_PER_ELEMENT[type] &&
+                   all_below(connect, n);
     }
 }
 

@@ -40,7 +40,9 @@ template <class T>
 std::uint64_t count_of(const T& value, const dense2D<T>& m)
 {
     std::uint64_t found = 0;
-    for_each_run(m, [&](const T* run, std::uint64_t n) { found += static_cast<std::uint64_t>(std::count(run, run + n, value)); });
+    for_each_run(m, [&](const T* run, std::uint64_t n) {
+        found += static_cast<std::uint64_t>(std::count(run, run + n, value));
+    });
     return found;
 }
 

@@ -4,8 +4,8 @@
 #include <limits>
 
 // The hidden lengths of the character arguments come last, as Fortran compilers pass them.
-extern "C" void dspev_(const char* jobz, const char* uplo, const int* n, double* ap, double* w, double* z, const int* ldz,
-                       double* work, int* info, std::size_t jobz_length, std::size_t uplo_length);
+extern "C" void dspev_(const char* jobz, const char* uplo, const int* n, double* ap, double* w, double* z,
+                       const int* ldz, double* work, int* info, std::size_t jobz_length, std::size_t uplo_length);
 
 namespace zeb::lapack {
 namespace {

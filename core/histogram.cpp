@@ -59,17 +59,41 @@ void histogram::add(double value)
     }
 }
 
-unsigned long histogram::count() const { return count_; }
-double histogram::minimum() const { return minimum_; }
-double histogram::maximum() const { return maximum_; }
-double histogram::mean() const { return count_ != 0 ? mean_ : none; }
+unsigned long histogram::count() const
+{
+    return count_;
+}
+double histogram::minimum() const
+{
+    return minimum_;
+}
+double histogram::maximum() const
+{
+    return maximum_;
+}
+double histogram::mean() const
+{
+    return count_ != 0 ? mean_ : none;
+}
 double histogram::standard_deviation() const
 {
     return count_ != 0 ? std::sqrt(squares_ / static_cast<double>(count_)) : none;
 }
-dense1D<unsigned int> histogram::bins() const { return bins_; }
-unsigned long histogram::below() const { return below_; }
-unsigned long histogram::above() const { return above_; }
-unsigned long histogram::not_a_number() const { return not_a_number_; }
+dense1D<unsigned int> histogram::bins() const
+{
+    return bins_;
+}
+unsigned long histogram::below() const
+{
+    return below_;
+}
+unsigned long histogram::above() const
+{
+    return above_;
+}
+unsigned long histogram::not_a_number() const
+{
+    return not_a_number_;
+}
 
 }  // namespace zeb::misc

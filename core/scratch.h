@@ -11,8 +11,8 @@
 
 namespace zeb::tessolv {
 
-// Working storage of one call: n values of a trivial type, not initialised, so that nothing is written twice. Freed with
-// the object. Unlike a standard container it reports missing memory and keeps its block when asked for less.
+// Working storage of one call: n values of a trivial type, not initialised, so that nothing is written twice. Freed
+// with the object. Unlike a standard container it reports missing memory and keeps its block when asked for less.
 template <class T>
 class scratch {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);

@@ -26,8 +26,7 @@ TESSOLV_API int get_IDs(const dense2D<unsigned int>& connect1, const dense2D<uns
 TESSOLV_API int append(dense2D<double>& A, const dense2D<double>& B, const dense1D<unsigned int>& cols);
 TESSOLV_API int append(dense2D<unsigned int>& A, const dense2D<unsigned int>& B, const dense1D<unsigned int>& cols);
 TESSOLV_API int append(dense2D<double>& A, const dense2D<double>* first, const dense2D<double>* last);
-TESSOLV_API int append(dense2D<unsigned int>& A, const dense2D<unsigned int>* first,
-                       const dense2D<unsigned int>* last);
+TESSOLV_API int append(dense2D<unsigned int>& A, const dense2D<unsigned int>* first, const dense2D<unsigned int>* last);
 TESSOLV_API int append(dense2D<double>& A, const dense2D<double>& B);
 TESSOLV_API int append(dense2D<unsigned int>& A, const dense2D<unsigned int>& B);
 TESSOLV_API int simplify(dense2D<double>& pos, dense2D<unsigned int>* first, dense2D<unsigned int>* last,

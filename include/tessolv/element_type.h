@@ -13,16 +13,16 @@ namespace zeb {
 enum element_type : int {
     EL_NONE = 0,
     EL_NODE = 1,
-    EL_EDGE_MIX = 2,   ///< edges by their two vertices; refused by check_IDs when not empty
+    EL_EDGE_MIX = 2,  ///< edges by their two vertices; refused by check_IDs when not empty
     EL_EDGE2 = 3,
     EL_EDGE3 = 4,
-    EL_FACE_MIX = 5,   ///< linear triangles and quadrangles in 3 or 4 rows
+    EL_FACE_MIX = 5,  ///< linear triangles and quadrangles in 3 or 4 rows
     EL_TRIA3 = 6,
     EL_QUAD4 = 7,
     EL_TRIA6 = 8,
     EL_QUAD8 = 9,
     EL_QUAD9 = 10,
-    EL_SOLID_MIX = 11, ///< linear tetrahedra, wedges and hexahedra in 4, 6 or 8 rows
+    EL_SOLID_MIX = 11,  ///< linear tetrahedra, wedges and hexahedra in 4, 6 or 8 rows
     EL_TETRA4 = 12,
     EL_TETRA10 = 13,
     EL_PYRAMID5 = 14,

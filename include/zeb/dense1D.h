@@ -17,6 +17,7 @@ public:
     std::uint64_t size = 0;             ///< number of entries
     std::uint64_t offset = 0;           ///< index in the buffer of entry 0
 
+    /// Empty, without a buffer.
     dense1D() noexcept = default;
 
     /// n entries of unspecified value; empty when there is no memory.
@@ -25,8 +26,13 @@ public:
     /// n entries of one value; empty when there is no memory.
     dense1D(std::uint64_t n, const T& value) noexcept { resize(n, value); }
 
+    /// Deep copy; empty when there is no memory.
     dense1D(const dense1D& other) noexcept { copy(other); }
+
+    /// Takes over what `other` looks into, view or not, and leaves it empty.
     dense1D(dense1D&& other) noexcept { swap(other); }
+
+    /// Gives its reference back; the last container that looks into a buffer frees it.
     ~dense1D() { detail::release(buffer); }
 
     /// Deep; the target stays as it was when there is no memory.
@@ -48,17 +54,30 @@ public:
         return *this;
     }
 
+    /// @name Entries
+    /// @{
+
+    /// Entry i; not checked.
     T& operator[](std::uint64_t i) noexcept { return buffer->data[offset + i]; }
     const T& operator[](std::uint64_t i) const noexcept { return buffer->data[offset + i]; }
     T& operator()(std::uint64_t i) noexcept { return buffer->data[offset + i]; }
     const T& operator()(std::uint64_t i) const noexcept { return buffer->data[offset + i]; }
 
+    /// @}
+
+    /// @name Contiguous entries
+    /// @{
+
+    /// The entries as an array; null when there is no buffer.
     T* data() noexcept { return buffer != nullptr ? buffer->data + offset : nullptr; }
     const T* data() const noexcept { return buffer != nullptr ? buffer->data + offset : nullptr; }
     T* begin() noexcept { return data(); }
     const T* begin() const noexcept { return data(); }
     T* end() noexcept { return data() + size; }
     const T* end() const noexcept { return data() + size; }
+    /// @}
+
+    /// Whether there is no entry.
     bool empty() const noexcept { return size == 0; }
 
     /// Size 0; the buffer stays.
@@ -128,6 +147,7 @@ public:
         return view;
     }
 
+    /// Exchanges what the two look into.
     void swap(dense1D& other) noexcept
     {
         std::swap(buffer, other.buffer);
@@ -135,10 +155,12 @@ public:
         std::swap(offset, other.offset);
     }
 
+    /// Same size and equal entries.
     friend bool operator==(const dense1D& a, const dense1D& b) noexcept
     {
         return a.size == b.size && std::equal(a.begin(), a.end(), b.begin());
     }
+    /// Not equal.
     friend bool operator!=(const dense1D& a, const dense1D& b) noexcept { return !(a == b); }
 
 private:

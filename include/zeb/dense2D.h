@@ -7,17 +7,19 @@ namespace zeb {
 
 /// A column-major matrix over a counted buffer. Entry (i, j) is buffer->data[ld * j + offset + i]. Views (col,
 /// sub_matrix) and shallow copies share the buffer and see each other's writes; copies are deep and compact.
-/// A matrix is empty when rows x cols is 0. Access is not checked. The fields are public: loops may work on them directly.
+/// A matrix is empty when rows x cols is 0. Access is not checked. The fields are public: loops may work on them
+/// directly.
 template <class T>
 class dense2D {
 public:
     dense_buffer<T>* buffer = nullptr;  ///< null when nothing was ever stored
     std::uint64_t size = 0;             ///< rows x cols
     std::uint64_t offset = 0;           ///< index in the buffer of entry (0, 0)
-    std::uint64_t rows = 0;
-    std::uint64_t cols = 0;
-    std::uint64_t ld = 0;  ///< distance in the buffer from (i, j) to (i, j + 1), at least rows
+    std::uint64_t rows = 0;             ///< entries of a column
+    std::uint64_t cols = 0;             ///< number of columns
+    std::uint64_t ld = 0;               ///< distance in the buffer from (i, j) to (i, j + 1), at least rows
 
+    /// 0 x 0, without a buffer.
     dense2D() noexcept = default;
 
     /// rows x cols entries of unspecified value; empty when there is no memory.
@@ -29,8 +31,13 @@ public:
         resize(row_count, col_count, value);
     }
 
+    /// Deep, compact copy; empty when there is no memory.
     dense2D(const dense2D& other) noexcept { copy(other); }
+
+    /// Takes over what `other` looks into, view or not, and leaves it empty.
     dense2D(dense2D&& other) noexcept { swap(other); }
+
+    /// Gives its reference back; the last container that looks into a buffer frees it.
     ~dense2D() { detail::release(buffer); }
 
     /// Deep and compact; the target stays as it was when there is no memory.
@@ -52,9 +59,15 @@ public:
         return *this;
     }
 
+    /// @name Entries
+    /// @{
+
+    /// Entry (i, j): row i of column j; not checked.
     T& operator()(std::uint64_t i, std::uint64_t j) noexcept { return buffer->data[ld * j + offset + i]; }
     const T& operator()(std::uint64_t i, std::uint64_t j) const noexcept { return buffer->data[ld * j + offset + i]; }
+    /// @}
 
+    /// Whether rows x cols is 0.
     bool empty() const noexcept { return rows * cols == 0; }
 
     /// 0 x 0; the buffer stays.
@@ -153,7 +166,8 @@ public:
     }
 
     /// View of `row_count` x `col_count` entries from (i0, j0) on.
-    dense2D sub_matrix(std::uint64_t i0, std::uint64_t j0, std::uint64_t row_count, std::uint64_t col_count) const noexcept
+    dense2D sub_matrix(std::uint64_t i0, std::uint64_t j0, std::uint64_t row_count,
+                       std::uint64_t col_count) const noexcept
     {
         dense2D view;
         detail::retain(buffer);
@@ -166,6 +180,7 @@ public:
         return view;
     }
 
+    /// Exchanges what the two look into.
     void swap(dense2D& other) noexcept
     {
         std::swap(buffer, other.buffer);
@@ -176,6 +191,7 @@ public:
         std::swap(ld, other.ld);
     }
 
+    /// Same shape and equal entries.
     friend bool operator==(const dense2D& a, const dense2D& b) noexcept
     {
         if (a.rows != b.rows || a.cols != b.cols) return false;
@@ -183,6 +199,7 @@ public:
             if (!std::equal(&a(0, j), &a(0, j) + a.rows, &b(0, j))) return false;
         return true;
     }
+    /// Not equal.
     friend bool operator!=(const dense2D& a, const dense2D& b) noexcept { return !(a == b); }
 
 private:

@@ -65,13 +65,20 @@ void free_block(const dense_buffer<T>& buffer) noexcept
         __vector_num_free(reinterpret_cast<char*>(buffer.data) - buffer.align_shift);
 }
 
+/// Frees block and record. Out of line: it is rare, and compilers that see the deletion but not the count believe that
+/// every view outlives its buffer, and warn.
+template <class T>
+[[gnu::noinline]] void destroy(dense_buffer<T>* buffer) noexcept
+{
+    free_block(*buffer);
+    delete buffer;
+}
+
 /// Gives one reference back; the last one takes block and record with it.
 template <class T>
 void release(dense_buffer<T>* buffer) noexcept
 {
-    if (buffer == nullptr || --buffer->ref_count > 0) return;
-    free_block(*buffer);
-    delete buffer;
+    if (buffer != nullptr && --buffer->ref_count <= 0) destroy(buffer);
 }
 
 template <class T>

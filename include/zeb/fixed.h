@@ -46,25 +46,63 @@ private:
 template <class T>
 class segment_iterator {
 public:
+    /// @name Iterator traits
+    /// @{
+
+    /// As standard algorithms want them.
     using value_type = std::remove_const_t<T>;
     using difference_type = std::ptrdiff_t;
     using pointer = T*;
     using reference = T&;
+    /// @}
 
+    /// Nowhere.
     constexpr segment_iterator() noexcept = default;
+
+    /// At one entry.
     constexpr explicit segment_iterator(T* position) noexcept : position_(position) {}
 
+    /// @name Access
+    /// @{
+
+    /// The entry where the iterator stands, or i entries on.
     constexpr T& operator*() const noexcept { return *position_; }
     constexpr T* operator->() const noexcept { return position_; }
     constexpr T& operator[](std::ptrdiff_t i) const noexcept { return position_[i]; }
+    /// @}
 
-    constexpr segment_iterator& operator++() noexcept { ++position_; return *this; }
-    constexpr segment_iterator& operator--() noexcept { --position_; return *this; }
+    /// @name Steps
+    /// @{
+
+    /// Forward, backward, by n entries.
+    constexpr segment_iterator& operator++() noexcept
+    {
+        ++position_;
+        return *this;
+    }
+    constexpr segment_iterator& operator--() noexcept
+    {
+        --position_;
+        return *this;
+    }
     constexpr segment_iterator operator++(int) noexcept { return segment_iterator(position_++); }
     constexpr segment_iterator operator--(int) noexcept { return segment_iterator(position_--); }
-    constexpr segment_iterator& operator+=(std::ptrdiff_t n) noexcept { position_ += n; return *this; }
-    constexpr segment_iterator& operator-=(std::ptrdiff_t n) noexcept { position_ -= n; return *this; }
+    constexpr segment_iterator& operator+=(std::ptrdiff_t n) noexcept
+    {
+        position_ += n;
+        return *this;
+    }
+    constexpr segment_iterator& operator-=(std::ptrdiff_t n) noexcept
+    {
+        position_ -= n;
+        return *this;
+    }
+    /// @}
 
+    /// @name Distances and comparison
+    /// @{
+
+    /// Between iterators of one column.
     friend constexpr segment_iterator operator+(segment_iterator a, std::ptrdiff_t n) noexcept { return a += n; }
     friend constexpr segment_iterator operator+(std::ptrdiff_t n, segment_iterator a) noexcept { return a += n; }
     friend constexpr segment_iterator operator-(segment_iterator a, std::ptrdiff_t n) noexcept { return a -= n; }
@@ -81,6 +119,7 @@ public:
     {
         return a.position_ < b.position_;
     }
+    /// @}
 
 private:
     T* position_ = nullptr;
@@ -92,8 +131,13 @@ class vector_fixed : public detail::fixed_storage<T, N> {
 public:
     using detail::fixed_storage<T, N>::fixed_storage;
 
+    /// @name Values
+    /// @{
+
+    /// Value i; not checked.
     constexpr T& operator()(std::size_t i) noexcept { return (*this)[i]; }
     constexpr const T& operator()(std::size_t i) const noexcept { return (*this)[i]; }
+    /// @}
 };
 
 /// R x C values, stored column by column.
@@ -102,8 +146,16 @@ class matrix_fixed : public detail::fixed_storage<T, R * C> {
 public:
     using detail::fixed_storage<T, R * C>::fixed_storage;
 
+    /// @name Entries
+    /// @{
+
+    /// Entry (i, j); not checked.
     constexpr T& operator()(std::size_t i, std::size_t j) noexcept { return (*this)[R * j + i]; }
     constexpr const T& operator()(std::size_t i, std::size_t j) const noexcept { return (*this)[R * j + i]; }
+    /// @}
+
+    /// @name Columns
+    /// @{
 
     /// The R entries of column j, written through.
     constexpr segment_iterator<T> col(std::size_t j) noexcept { return segment_iterator<T>(this->data() + R * j); }
@@ -111,6 +163,7 @@ public:
     {
         return segment_iterator<const T>(this->data() + R * j);
     }
+    /// @}
 };
 
 /// A symmetric N x N matrix by its upper triangle, packed column by column as LAPACK packs "U" storage: (0,0), (0,1),
@@ -120,8 +173,13 @@ class symmetric_fixed : public detail::fixed_storage<T, N*(N + 1) / 2> {
 public:
     using detail::fixed_storage<T, N*(N + 1) / 2>::fixed_storage;
 
+    /// @name Entries
+    /// @{
+
+    /// Entry (i, j), which is also (j, i); not checked.
     constexpr T& operator()(std::size_t i, std::size_t j) noexcept { return (*this)[packed(i, j)]; }
     constexpr const T& operator()(std::size_t i, std::size_t j) const noexcept { return (*this)[packed(i, j)]; }
+    /// @}
 
 private:
     static constexpr std::size_t packed(std::size_t i, std::size_t j) noexcept

@@ -21,9 +21,18 @@ zeb::dense1D<T> list_of(const std::vector<T>& values)
     return v;
 }
 
-inline zeb::dense1D<unsigned> indices(const std::vector<unsigned>& values) { return list_of(values); }
-inline zeb::dense1D<int> types(const std::vector<int>& values) { return list_of(values); }
-inline zeb::dense1D<double> numbers(const std::vector<double>& values) { return list_of(values); }
+inline zeb::dense1D<unsigned> indices(const std::vector<unsigned>& values)
+{
+    return list_of(values);
+}
+inline zeb::dense1D<int> types(const std::vector<int>& values)
+{
+    return list_of(values);
+}
+inline zeb::dense1D<double> numbers(const std::vector<double>& values)
+{
+    return list_of(values);
+}
 
 // A matrix by its columns; all of the same length.
 template <class T>
@@ -35,8 +44,14 @@ zeb::dense2D<T> matrix_of(const std::vector<std::vector<T>>& cols)
     return m;
 }
 
-inline zeb::dense2D<unsigned> columns(const std::vector<std::vector<unsigned>>& cols) { return matrix_of(cols); }
-inline zeb::dense2D<double> points(const std::vector<std::vector<double>>& cols) { return matrix_of(cols); }
+inline zeb::dense2D<unsigned> columns(const std::vector<std::vector<unsigned>>& cols)
+{
+    return matrix_of(cols);
+}
+inline zeb::dense2D<double> points(const std::vector<std::vector<double>>& cols)
+{
+    return matrix_of(cols);
+}
 
 template <class T>
 zeb::dense2D<T> filled(std::uint64_t rows, std::uint64_t cols, T value)

@@ -16,8 +16,8 @@ public:
     /// `bins` bins over [lower, upper], both bounds included. Without memory there are no bins; the rest is collected.
     histogram(double lower, double upper, unsigned int bins);
 
-    histogram(const histogram&) = default;
-    histogram& operator=(const histogram&) = default;
+    histogram(const histogram&) = default;             ///< Copies the counts, too.
+    histogram& operator=(const histogram&) = default;  ///< Copies the counts, too.
     virtual ~histogram();
 
     /// Adds one value. A NaN is counted by not_a_number() alone.
