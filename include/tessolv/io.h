@@ -5,23 +5,135 @@
 
 #include <tessolv/core.h>
 
+/// \file
+/// Files. Every writer replaces the file and returns 0 only when the system took all of it. The bytes do not depend on
+/// the locale of the program. File names are byte strings as the C runtime takes them; one that is null, empty or a
+/// directory counts as a file that cannot be opened. What a function opened is closed on every return.
+
 namespace zeb {
 namespace tessolv {
 
+/// Appends the cells of the VTK legacy format that stand for the elements of `connect`, column by column: a cell of the
+/// corner vertices (line 3, triangle 5, quad 9, tetra 10, wedge 13, hexahedron 12) and, for elements of more nodes, a
+/// poly-vertex (2) of the remaining ones. The last two vertices of a tetrahedron change places.
+/// @param connect             nodes x elements; indices are passed on as they are, only their shape is checked.
+/// @param type                any pure type of lines, surface or solid elements, except the two pyramids.
+/// @param[in,out] cell_count  raised by the number of cells.
+/// @param[in,out] cells       for each cell the number of its nodes, then the nodes.
+/// @param[in,out] cell_types  one code for each cell.
+/// @return 0; -2 `type` outside EL_EDGE2 to EL_HEXA27; -1 `connect` refused by check_IDs; -2 a type without a cell; -1
+///         an empty `connect` of fewer rows than the cell has vertices; -199 memory. On failure nothing is appended.
+/// @note Linear; the streams grow by factor 2. No shared state.
 TESSOLV_API int vtk_convert(const dense2D<unsigned int>& connect, element_type type, unsigned int& cell_count,
                             dense1D<unsigned int>& cells, dense1D<unsigned int>& cell_types);
+
+/// Writes a whole VTK legacy file, an ASCII unstructured grid, to a stream of the host, which is neither flushed nor
+/// closed.
+/// @param pos         2 or 3 x nodes; a missing z is written as 0.
+/// @param cell_count  number of cells to take from `cells`; the walk stops where `cells` ends.
+/// @param cells       cells as vtk_convert makes them. Node numbers from 2^31 on are written as negative numbers.
+/// @param cell_types  one code for each cell; written as they are, whatever their number.
+/// @return 0; -1 `f` null, or its error flag is set when all was handed over; -2 rows of `pos`; -199 memory. Nothing is
+///         written when `f` or `pos` is refused or without memory.
+/// @note Linear; one block of 256 KiB.
 TESSOLV_API int vtk_output(FILE* f, const dense2D<double>& pos, unsigned int cell_count,
                            const dense1D<unsigned int>& cells, const dense1D<unsigned int>& cell_types);
+
+/// Writes the mesh of [first, last) as a VTK legacy file, an ASCII unstructured grid. Matrices of a mixed kind are
+/// written shape by shape: triangles, quadrangles; tetrahedra, wedges, hexahedra. Cells are those of vtk_convert.
+/// @param filename  created before anything is checked: every failure but -1 leaves it empty.
+/// @param pos       2 or 3 x nodes; a missing z is written as 0.
+/// @param types     element_type of each matrix; empty matrices are skipped, whatever their type.
+/// @return 0; -1 the file cannot be opened; -2 rows of `pos`; -4 last before first; -5 length of `types`; -3 indices or
+///         rows of a matrix; -2 a matrix of a type without a cell: EL_NODE or a pyramid; -199 memory; -1 the file
+///         cannot be written.
+/// @note Linear; one block of 256 KiB, no copy of the mesh. No shared state.
 TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>* first,
                            const dense2D<unsigned int>* last, const dense1D<int>& types);
+
+/// The same for one matrix. -4 and -5 do not occur.
 TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
                            element_type type);
+
+/// The same for two matrices. -4 and -5 do not occur.
 TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect1,
                            const dense2D<unsigned int>& connect2, element_type type1, element_type type2);
+
+/// Writes the mesh of [first, last) as a MEDIT ASCII mesh file: corner vertices only, nodes counted from 1. There is a
+/// section for each element_type that occurs, in the order of its values, so a keyword may come more than once; lines,
+/// triangles, quadrangles, tetrahedra and hexahedra have one, all other elements are left out. Matrices of a mixed kind
+/// are split into their shapes. Vertices have the reference 0, elements the position of their matrix in the range.
+/// @param filename  not touched before all checks have passed.
+/// @param pos       1, 2 or 3 x nodes; the rows are the dimension of the file.
+/// @param types     element_type of each matrix; empty matrices are skipped, whatever their type.
+/// @return 0; -2 rows of `pos`; -4 last before first; -5 length of `types`; -3 rows of a matrix, or NONE_INDEX where
+/// its
+///         type has none (indices are not compared with the number of nodes); -199 memory; -1 the file cannot be opened
+///         or written.
+/// @note Linear; one block of 256 KiB, no copy of the mesh. No shared state.
+TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>* first,
+                             const dense2D<unsigned int>* last, const dense1D<int>& types);
+
+/// The same for one matrix. -4 and -5 do not occur.
+TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
+                             element_type type);
+
+/// The same for two matrices, of the references 0 and 1. -4 and -5 do not occur.
+TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect1,
+                             const dense2D<unsigned int>& connect2, element_type type1, element_type type2);
+
+/// The same for one matrix whose elements have references of their own. Within a section they are ordered by reference,
+/// then by column.
+/// @param refs  reference of each column; elements of NONE_INDEX are left out and not checked.
+/// @return 0, also for an empty `connect`, of which no file is made; -5 length of `refs`; -6 the table of references,
+///         one entry for each from 0 to the largest, cannot be allocated; -199 other memory; -2 rows of `pos`; -3 rows
+///         of `connect` or NONE_INDEX in a column that is written; -199 memory; -1 the file cannot be opened or
+///         written.
+/// @note Linear, and n log n in the number of different references; 8 bytes for each reference and each element.
+TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
+                             element_type type, const dense1D<unsigned int>& refs);
+
+/// Writes a field of metric tensors as a MEDIT solution file, one line per node.
+/// @param filename  created before anything is checked: every failure but -1 leaves it empty.
+/// @param M         3 x nodes in 2-D or 6 x nodes in 3-D, the packed upper triangles in stored order.
+/// @return 0; -1 the file cannot be opened; -2 rows of `M`; -199 memory; -1 the file cannot be written.
+/// @note Linear; one block of 256 KiB. No shared state.
+TESSOLV_API int medit_tensor(const char* filename, const dense2D<float>& M);
+
+/// Writes the mesh of [first, last) as an EnSight ASCII geometry file: one block of coordinates, then matrix i as part
+/// i + 1. Nodes, and the elements of each part, are counted from 1. Empty matrices and those of a type that the format
+/// does not know (EL_NODE, pyramids, mixed kinds) make no part and keep their number. All nodes of an element are
+/// written, also where the name of the element has fewer: nine of EL_QUAD9 under "quad8", 18 of EL_WEDGE18 under
+/// "penta6", 27 of EL_HEXA27 under "hexa20". EL_TRIA6, EL_TETRA4 and EL_TETRA10 come in the order of the format, which
+/// turns tetrahedra the other way. Fields are 8 and 12 wide; larger numbers touch the field before them.
+/// @param filename  created before anything is checked: every failure but -1 leaves it empty.
+/// @param pos       1, 2 or 3 x nodes; missing coordinates are written as 0.
+/// @param types     element_type of each matrix.
+/// @return 0; -1 the file cannot be opened; -2 rows of `pos`; -4 last before first; -5 length of `types`; -3 rows of a
+///         matrix, or NONE_INDEX where its type has none (indices are not compared with the number of nodes); -199
+///         memory; -1 the file cannot be written.
+/// @note Linear; one block of 256 KiB. No shared state.
+TESSOLV_API int ensight_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>* first,
+                               const dense2D<unsigned int>* last, const dense1D<int>& types);
+
+/// The same for one matrix, part 1. -4 and -5 do not occur.
+TESSOLV_API int ensight_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
+                               element_type type);
+
+/// The same for two matrices, parts 1 and 2. -4 and -5 do not occur.
+TESSOLV_API int ensight_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect1,
+                               const dense2D<unsigned int>& connect2, element_type type1, element_type type2);
 
 TESSOLV_API int STL_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
                            bool ascii);
 TESSOLV_API int STL_input(const char* filename, dense2D<double>& pos, dense2D<unsigned int>& connect, bool ascii);
+
+TESSOLV_API int WavefrontOBJ_output(const char* filename, const dense2D<double>& pos, const dense2D<double>& normals,
+                                    const dense2D<double>& uvs, const dense2D<unsigned int>& tria_connect,
+                                    const dense2D<unsigned int>& quad_connect);
+TESSOLV_API int WavefrontOBJ_input(const char* filename, dense2D<double>& pos, dense2D<double>& normals,
+                                   dense2D<double>& uvs, dense2D<unsigned int>& tria_connect,
+                                   dense2D<unsigned int>& quad_connect);
 
 }  // namespace tessolv
 }  // namespace zeb
