@@ -5,6 +5,10 @@
 
 #include <zeb/misc/histogram.h>
 
+/// \file
+/// Numbers per element and per edge. The forms with a histogram call its `process` and nothing else; it may be of a
+/// class of the host's own, and what that throws ends the call with -199.
+
 namespace zeb {
 namespace tessolv {
 
@@ -50,13 +54,23 @@ TESSOLV_API int shape_qualities(const dense2D<double>& pos, const dense2D<unsign
                                 dense1D<double>& qualities);
 
 /// The same, given to `h` in one call of process(vector). On failure `h` is left alone.
-/// @return as above; -199 also when `h` throws.
+/// @return as above.
 TESSOLV_API int shape_qualities(const dense2D<double>& pos, const dense2D<unsigned int>* first,
                                 const dense2D<unsigned int>* last, const dense1D<int>& types, misc::histogram& h);
 
 /// The same for one matrix, as a range of one: without entries it gives 0, whatever its type.
 TESSOLV_API int shape_qualities(const dense2D<double>& pos, const dense2D<unsigned int>& connect, element_type type,
                                 misc::histogram& h);
+
+/// Shortest, mean and longest edge at every node.
+/// @param pos           rows x nodes. Lengths are Euclidean over all rows, whatever their number.
+/// @param edges         2 x edges. An edge (a, a) has length 0 and counts twice at its node.
+/// @param[out] lengths  3 x nodes, replaced; owns its buffer. A column holds minimum, mean and maximum over the edges
+///                      at the node, in the unit of `pos`; at a node without edges the largest double, 0 and the
+///                      negative largest double. Empty when there are no edges (0) and on failure. It may be `pos`.
+/// @return 0; -2 indices or rows of `edges`; -199 memory.
+/// @note One pass over the edges, 8 bytes of working storage per node. No shared state.
+TESSOLV_API int edge_lengths(const dense2D<double>& pos, const dense2D<unsigned int>& edges, dense2D<double>& lengths);
 
 }  // namespace tessolv
 }  // namespace zeb
