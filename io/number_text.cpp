@@ -139,7 +139,7 @@ char* put_fixed(char* to, double value)
             millionths = 0;
             ++whole;
         }
-    } else if (parts.shift <= 74) {
+    } else if (parts.shift <= 73) {
         // 10^6 m has 73 bits: shifted further it is less than a half.
         millionths = rounded(uint128{parts.m} * 1000000, parts.shift);
     }
