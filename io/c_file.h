@@ -14,7 +14,7 @@
 namespace zeb::tessolv {
 
 // Bytes that are handed to a stream, or taken from it, at a time.
-constexpr std::size_t file_block = 256 * 1024;
+constexpr std::size_t file_block = 262144;
 
 // A C stream that the library opened itself; closed with the object, so on every return. It has no buffer of its own:
 // whoever reads or writes it does so in blocks.
