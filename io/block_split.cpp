@@ -27,10 +27,14 @@ bool split_matrix(const dense2D<unsigned int>& connect, element_type type, std::
         const std::uint64_t count = selection.columns == nullptr ? connect.cols : selection.count;
         return blocks.push_back({&connect, type, false, connect.rows, count, source, selection});
     }
+    std::array<std::uint64_t, 9>
+        elements_of{};  // by number of nodes; check_IDs has seen to it that there are at most 8
+    for_each_column(connect, selection,
+                    [&](std::uint64_t j) { ++elements_of[valid_nodes(column(connect, j), connect.rows)]; });
     for (const element_type shape : shapes) {
-        pure_block block{&connect, shape, true, NODES_PER_ELEMENT[shape], 0, source, selection};
-        for_each_element(block, [&](std::uint64_t) { ++block.count; });
-        if (block.count != 0 && !blocks.push_back(block)) return false;
+        const std::uint64_t nodes = NODES_PER_ELEMENT[shape];
+        const std::uint64_t count = elements_of[nodes];
+        if (count != 0 && !blocks.push_back({&connect, shape, true, nodes, count, source, selection})) return false;
     }
     return true;
 }

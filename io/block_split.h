@@ -27,17 +27,23 @@ struct pure_block {
     column_selection selection;
 };
 
+template <class Visit>
+void for_each_column(const dense2D<unsigned int>& matrix, column_selection selection, Visit visit)
+{
+    if (selection.columns == nullptr)
+        for (std::uint64_t j = 0; j < matrix.cols; ++j) visit(j);
+    else
+        for (std::uint64_t k = 0; k < selection.count; ++k) visit(selection.columns[k]);
+}
+
 // Calls visit(j) for the column j of every element of the block, in order.
 template <class Visit>
 void for_each_element(const pure_block& block, Visit visit)
 {
-    const bool all = block.selection.columns == nullptr;
-    const std::uint64_t count = all ? block.matrix->cols : block.selection.count;
-    for (std::uint64_t k = 0; k < count; ++k) {
-        const std::uint64_t j = all ? k : block.selection.columns[k];
-        if (block.one_of_a_mix && valid_nodes(column(*block.matrix, j), block.matrix->rows) != block.nodes) continue;
-        visit(j);
-    }
+    if (!block.one_of_a_mix) return for_each_column(*block.matrix, block.selection, visit);
+    for_each_column(*block.matrix, block.selection, [&](std::uint64_t j) {
+        if (valid_nodes(column(*block.matrix, j), block.matrix->rows) == block.nodes) visit(j);
+    });
 }
 
 // Appends the blocks of one matrix that check_IDs accepts under its type: none when it is empty, the matrix itself when

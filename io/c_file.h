@@ -1,7 +1,9 @@
 #ifndef TESSOLV_IO_C_FILE_H
 #define TESSOLV_IO_C_FILE_H
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -70,6 +72,19 @@ public:
     {
         std::memcpy(room(text.size()), text.data(), text.size());
         at_ += text.size();
+    }
+
+    // The same text `count` times.
+    void put_repeated(std::string_view text, std::uint64_t count)
+    {
+        while (count != 0) {
+            char* at = room(text.size());
+            const auto fitting = static_cast<std::uint64_t>(block_.end() - at) / text.size();
+            const std::uint64_t times = std::min(count, fitting);
+            for (std::uint64_t k = 0; k < times; ++k, at += text.size()) std::memcpy(at, text.data(), text.size());
+            advance(at);
+            count -= times;
+        }
     }
 
     // Hands over what is left. False when this or an earlier write failed.

@@ -13,16 +13,6 @@ namespace {
 
 __extension__ typedef unsigned __int128 uint128;
 
-// "00", "01", ... "99"
-constexpr auto digit_pairs = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
-
 // 5^0 to 5^27, the last one below 2^64.
 constexpr auto powers_of_5 = [] {
     std::array<std::uint64_t, 28> powers{1};
@@ -33,22 +23,6 @@ constexpr auto powers_of_5 = [] {
 constexpr std::uint64_t power_of_10(int k)
 {
     return powers_of_5[static_cast<std::size_t>(k)] << k;
-}
-
-// Exactly Count digits, with leading zeros.
-template <int Count>
-char* put_digits(char* to, std::uint32_t n)
-{
-    for (int i = Count - 2; i >= 0; i -= 2, n /= 100) std::memcpy(to + i, &digit_pairs[2 * (n % 100)], 2);
-    if (Count % 2 != 0) *to = static_cast<char>('0' + n);
-    return to + Count;
-}
-
-// A number below 10^4 without leading zeros.
-char* put_short(char* to, std::uint32_t n)
-{
-    if (n < 100) return n < 10 ? put_digits<1>(to, n) : put_digits<2>(to, n);
-    return n < 1000 ? put_digits<3>(to, n) : put_digits<4>(to, n);
 }
 
 // A minus or nothing; signs come in no order, so no branch.
@@ -80,8 +54,8 @@ struct parts_of_double {
 std::uint64_t rounded(uint128 product, int shift)
 {
     const auto quotient = static_cast<std::uint64_t>(product >> shift);
-    const uint128 rest = product - (uint128{quotient} << shift);
-    const uint128 half = uint128{1} << (shift - 1);
+    const uint128 rest = product << (128 - shift);
+    constexpr uint128 half = uint128{1} << 127;
     return quotient + (rest > half || (rest == half && quotient % 2 != 0) ? 1 : 0);
 }
 
@@ -121,7 +95,7 @@ char* put_scientific_as(char* to, double value, char mark)
         // log10(2) is 1233/4096 to five digits: the exponent of the power of 2 below `size`, or one less than its own.
         // A `size` that the rounding of a decade puts on the wrong side of it is printed as that decade either way.
         exponent = ((parts.field - 1023) * 1233) >> 12;
-        if (size >= decade(exponent + 1)) ++exponent;
+        exponent += size >= decade(exponent + 1) ? 1 : 0;
         const int scale = Decimals - exponent;
         digits = rounded(uint128{parts.m} * powers_of_5[static_cast<std::size_t>(scale)], parts.shift - scale);
         if (digits == power_of_10(Decimals + 1)) {
@@ -154,12 +128,24 @@ char* put_fixed(char* to, double value)
 {
     if (!(std::fabs(value) < 2147483648.0)) return put_rare(to, value, std::chars_format::fixed, 6, 'e');
     const parts_of_double parts(value);
-    // 10^6 m has 73 bits: shifted further it is less than a half.
-    const bool vanishes = parts.field == 0 || parts.shift > 74;
-    const std::uint64_t millionths = vanishes ? 0 : rounded(uint128{parts.m} * 1000000, parts.shift);
-    to = put_unsigned(put_sign(to, parts.negative), static_cast<unsigned int>(millionths / 1000000));
+    std::uint64_t whole = 0;
+    std::uint64_t millionths = 0;
+    if (parts.shift < 64) {
+        // What is behind the point, as a fraction of 2^64.
+        const std::uint64_t fraction = parts.m << (64 - parts.shift);
+        whole = parts.m >> parts.shift;
+        millionths = rounded(uint128{fraction} * 1000000, 64);
+        if (millionths == 1000000) {
+            millionths = 0;
+            ++whole;
+        }
+    } else if (parts.shift <= 73) {
+        // 10^6 m has 73 bits: shifted further it is less than a half.
+        millionths = rounded(uint128{parts.m} * 1000000, parts.shift);
+    }
+    to = put_unsigned(put_sign(to, parts.negative), static_cast<unsigned int>(whole));
     *to++ = '.';
-    return put_digits<6>(to, static_cast<std::uint32_t>(millionths % 1000000));
+    return put_digits<6>(to, static_cast<std::uint32_t>(millionths));
 }
 
 char* put_scientific(char* to, double value)
@@ -182,25 +168,13 @@ char* put_scientific_wide(char* to, double value)
     return aligned_right(to, put_scientific_as<5>(to, value, 'e'), 12);
 }
 
-char* put_unsigned(char* to, unsigned int n)
-{
-    if (n < 10000) return put_short(to, n);
-    if (n < 100000000) return put_digits<4>(put_short(to, n / 10000), n % 10000);
-    return put_digits<8>(put_short(to, n / 100000000), n % 100000000);
-}
-
-char* put_signed(char* to, unsigned int n)
-{
-    if (n > 0x7FFFFFFF) {
-        *to++ = '-';
-        n = 0 - n;
-    }
-    return put_unsigned(to, n);
-}
-
 char* put_signed_wide(char* to, unsigned int n)
 {
-    return aligned_right(to, put_signed(to, n), 8);
+    if (n >= 100000000) return aligned_right(to, put_signed(to, n), 8);
+    int blanks = 0;
+    for (unsigned int limit = 10; limit <= 10000000; limit *= 10) blanks += n < limit ? 1 : 0;
+    std::memset(to, ' ', 8);
+    return put_unsigned(to + blanks, n);
 }
 
 }  // namespace zeb::tessolv

@@ -13,23 +13,23 @@
 namespace zeb::tessolv {
 namespace {
 
-// A cell of the format: its code, and how many nodes it takes from the first rows of a column.
+// A cell of the format: its code, how many nodes it has, and the row of a column that stands at each place.
 struct vtk_cell {
     unsigned int code = 0;
     unsigned int vertices = 0;
+    std::array<unsigned char, 8> rows = {0, 1, 2, 3, 4, 5, 6, 7};
 };
 
 constexpr unsigned int poly_vertex = 2;  // the cell of the nodes beyond the corners
-constexpr unsigned int tetra = 10;
 
 // By element_type; types without a cell have 0 vertices. Pyramids are among them although the format knows them: part
-// of the interface.
+// of the interface. Tetrahedra are turned the other way, as the format has them.
 constexpr auto cell_of = [] {
     std::array<vtk_cell, 21> cells{};
     cells[EL_EDGE2] = cells[EL_EDGE3] = {3, 2};
     cells[EL_TRIA3] = cells[EL_TRIA6] = {5, 3};
     cells[EL_QUAD4] = cells[EL_QUAD8] = cells[EL_QUAD9] = {9, 4};
-    cells[EL_TETRA4] = cells[EL_TETRA10] = {tetra, 4};
+    cells[EL_TETRA4] = cells[EL_TETRA10] = {10, 4, {0, 1, 3, 2}};
     cells[EL_WEDGE6] = cells[EL_WEDGE18] = {13, 6};
     cells[EL_HEXA8] = cells[EL_HEXA20] = cells[EL_HEXA27] = {12, 8};
     return cells;
@@ -49,23 +49,17 @@ struct stream_sizes {
     }
 };
 
-// Most that one element adds: two counts and 27 nodes to the cells, two codes to the types.
-constexpr std::size_t most_entries = 29;
-constexpr std::size_t most_types = 2;
-
-// Writes the cells of one element into the streams and moves both ends on. Rows 2 and 3 of a tetrahedron change places:
-// the format turns its tetrahedra the other way.
+// Writes the cells of one element into the streams and moves both ends on.
 void write_element(const vtk_cell& cell, const unsigned int* nodes, std::uint64_t count, unsigned int*& cells,
                    unsigned int*& types)
 {
     *types++ = cell.code;
     *cells++ = cell.vertices;
-    cells = std::copy(nodes, nodes + cell.vertices, cells);
-    if (cell.code == tetra) std::swap(cells[-1], cells[-2]);
+    for (unsigned int i = 0; i < cell.vertices; ++i) *cells++ = nodes[cell.rows[i]];
     if (count == cell.vertices) return;
     *types++ = poly_vertex;
     *cells++ = static_cast<unsigned int>(count - cell.vertices);
-    cells = std::copy(nodes + cell.vertices, nodes + count, cells);
+    for (std::uint64_t i = cell.vertices; i < count; ++i) *cells++ = nodes[i];
 }
 
 // Header and points: what comes before the cells.
@@ -102,15 +96,16 @@ void put_types_title(block_writer& out, std::uint64_t types)
     put_count(out, types, "\n");
 }
 
-// The line of the cell at `from`: its count, as many entries as there are before `end`, each with a blank behind it.
+// The line of the cell at `from`: its count and as many entries as there are before `end`, each with a blank behind it.
 // Returns what follows the cell.
 const unsigned int* put_cell(block_writer& out, const unsigned int* from, const unsigned int* end)
 {
     constexpr std::ptrdiff_t batch = 64;
     const std::uint64_t entries = std::min<std::uint64_t>(*from, static_cast<std::uint64_t>(end - from) - 1);
     const unsigned int* const next = from + 1 + entries;
+    char* at = nullptr;
     while (from != next) {
-        char* at = out.room(batch * 12 + number_room);
+        at = out.room(batch * 12 + number_room);
         const unsigned int* const stop = from + std::min(batch, next - from);
         for (; from != stop; ++from) {
             at = put_signed(at, *from);
@@ -118,20 +113,39 @@ const unsigned int* put_cell(block_writer& out, const unsigned int* from, const 
         }
         out.advance(at);
     }
-    out.put("\n");
+    *at++ = '\n';
+    out.advance(at);
     return next;
 }
+
+// Line of a cell of one element; `row(i)` is the row of the column that stands at place i.
+template <class Row>
+char* put_cell_line(char* to, const unsigned int* nodes, std::uint64_t count, Row row)
+{
+    to = put_signed(to, static_cast<unsigned int>(count));
+    for (std::uint64_t i = 0; i < count; ++i) {
+        *to++ = ' ';
+        to = put_signed(to, nodes[row(i)]);
+    }
+    *to++ = ' ';
+    *to++ = '\n';
+    return to;
+}
+
+// Numbers in the lines of one element: two counts and 27 nodes.
+constexpr std::size_t most_line_numbers = 29;
 
 void put_block_cells(block_writer& out, const pure_block& block)
 {
     const vtk_cell cell = cell_of[block.type];
     for_each_element(block, [&](std::uint64_t j) {
-        unsigned int entries[most_entries];
-        unsigned int types[most_types];
-        unsigned int* end = entries;
-        unsigned int* types_end = types;
-        write_element(cell, column(*block.matrix, j), block.nodes, end, types_end);
-        for (const unsigned int* at = entries; at != end;) at = put_cell(out, at, end);
+        const unsigned int* nodes = column(*block.matrix, j);
+        char* at = out.room(most_line_numbers * number_room);
+        at = put_cell_line(at, nodes, cell.vertices, [&](std::uint64_t i) { return cell.rows[i]; });
+        if (block.nodes > cell.vertices)
+            at = put_cell_line(at, nodes, block.nodes - cell.vertices,
+                               [&](std::uint64_t i) { return cell.vertices + i; });
+        out.advance(at);
     });
 }
 
@@ -145,7 +159,7 @@ void put_block_types(block_writer& out, const pure_block& block)
         end = put_signed(end, poly_vertex);
         *end++ = '\n';
     }
-    for (std::uint64_t e = 0; e < block.count; ++e) out.put({text, end});
+    out.put_repeated({text, end}, block.count);
 }
 
 void put_blocks(block_writer& out, const scratch<pure_block>& blocks)

@@ -47,7 +47,7 @@ TESSOLV_API int vtk_output(FILE* f, const dense2D<double>& pos, unsigned int cel
 /// @return 0; -1 the file cannot be opened; -2 rows of `pos`; -4 last before first; -5 length of `types`; -3 indices or
 ///         rows of a matrix; -2 a matrix of a type without a cell: EL_NODE or a pyramid; -199 memory; -1 the file
 ///         cannot be written.
-/// @note Linear; one block of 256 KiB and 56 bytes a matrix. No shared state.
+/// @note Linear; one block of 256 KiB, no copy of the mesh. No shared state.
 TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>* first,
                            const dense2D<unsigned int>* last, const dense1D<int>& types);
 
@@ -70,7 +70,7 @@ TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, con
 /// its
 ///         type has none (indices are not compared with the number of nodes); -199 memory; -1 the file cannot be opened
 ///         or written.
-/// @note Linear; one block of 256 KiB and 56 bytes a matrix. No shared state.
+/// @note Linear; one block of 256 KiB, no copy of the mesh. No shared state.
 TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>* first,
                              const dense2D<unsigned int>* last, const dense1D<int>& types);
 

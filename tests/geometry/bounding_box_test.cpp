@@ -109,9 +109,9 @@ struct refusal {
     dense1D<unsigned> nodes;
     dense2D<unsigned> elements;
 };
-class Refusal : public testing::TestWithParam<refusal> {};
+class BoxRefusal : public testing::TestWithParam<refusal> {};
 
-TEST_P(Refusal, OfEveryFormLeavesTheBoxAsItWas)
+TEST_P(BoxRefusal, OfEveryFormLeavesTheBoxAsItWas)
 {
     const auto& row = GetParam();
     box3 b;
@@ -126,7 +126,7 @@ TEST_P(Refusal, OfEveryFormLeavesTheBoxAsItWas)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    IncBoundingBox, Refusal,
+    IncBoundingBox, BoxRefusal,
     testing::Values(refusal{"two_rows_in_3d", flat_points, -1, -1, -1, indices({0}), columns({{0, 1}})},
                     refusal{"four_rows", test::filled(4, 3, 1.0), -1, -1, -1, indices({0}), columns({{0, 1}})},
                     refusal{"an_index_beyond", three_points, 0, -2, -2, indices({0, 3}), columns({{0, 3}})},
