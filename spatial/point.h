@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -10,6 +11,7 @@
 #include <zeb/dense2D.h>
 
 #include "core/columns.h"
+#include "editing/hash_slots.h"
 
 // Positions in 2 or 3 dimensions and the arithmetic that searching and merging share. Comparisons stand as they are
 // written: with a NaN they are all false.
@@ -50,6 +52,15 @@ double distance(const std::array<double, D>& a, const std::array<double, D>& b)
     return std::sqrt(squared_distance(a, b));
 }
 
+// Spreads the bits of a position; equal positions, also where one has the zero of the other sign, have equal hashes.
+template <std::size_t D>
+std::uint64_t hash_of(const std::array<double, D>& x)
+{
+    std::uint64_t hash = 0;
+    for (const double value : x) hash = mixed(hash + std::bit_cast<std::uint64_t>(value + 0.0));
+    return hash;
+}
+
 // An axis-aligned box; its sides belong to it.
 template <int D>
 struct box {
@@ -61,6 +72,13 @@ struct box {
         bool inside = true;
         for (int d = 0; d < D; ++d) inside &= lower[d] <= x[d] && x[d] <= upper[d];
         return inside;
+    }
+
+    bool meets(const box& other) const
+    {
+        bool common = true;
+        for (int d = 0; d < D; ++d) common &= lower[d] <= other.upper[d] && other.lower[d] <= upper[d];
+        return common;
     }
 };
 
