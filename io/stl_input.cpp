@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -11,6 +10,7 @@
 #include "core/columns.h"
 #include "core/return_codes.h"
 #include "io/block_reader.h"
+#include "io/facet_geometry.h"
 #include "io/growing_columns.h"
 #include "io/number_scan.h"
 
@@ -141,32 +141,10 @@ int read_binary(block_reader& in, facet_soup& soup)
 
 // -- weld
 
-struct vector3 {
-    double x, y, z;
-};
-
-vector3 difference(const double* head, const double* tail)
-{
-    return {head[0] - tail[0], head[1] - tail[1], head[2] - tail[2]};
-}
-
-double length(const vector3& v)
-{
-    return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-}
-
-vector3 cross(const vector3& a, const vector3& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
 // Distance of P from the line through A and B, 0 if these coincide.
-double distance_to_line(const double* P, const double* A, const double* B)
+double distance_to_line(const vector3& P, const vector3& A, const vector3& B)
 {
-    const vector3 edge = difference(B, A);
-    const double norm = length(edge);
-    if (norm == 0) return 0;
-    return length(cross({edge.x / norm, edge.y / norm, edge.z / norm}, difference(P, A)));
+    return length(cross(unit_vector(B - A), P - A));
 }
 
 // The least height of a facet, without those of no height; the largest double if there is none.
@@ -174,7 +152,8 @@ double least_height(const facet_soup& soup)
 {
     double least = std::numeric_limits<double>::max();
     for (std::uint64_t j = 0; j < soup.connect.cols; ++j) {
-        const double* P[] = {column(soup.pos, 3 * j), column(soup.pos, 3 * j + 1), column(soup.pos, 3 * j + 2)};
+        const double* at = column(soup.pos, 3 * j);
+        const vector3 P[] = {{at[0], at[1], at[2]}, {at[3], at[4], at[5]}, {at[6], at[7], at[8]}};
         double height = distance_to_line(P[2], P[0], P[1]);
         height = std::min(height, distance_to_line(P[0], P[1], P[2]));
         height = std::min(height, distance_to_line(P[1], P[2], P[0]));
