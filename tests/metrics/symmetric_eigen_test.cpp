@@ -166,18 +166,4 @@ TEST(SymmetricEigen, EndsForEntriesThatAreNoNumbers)
     }
 }
 
-TEST(Eliminate, StopsAtAPivotThatIsNotPositive)
-{
-    S3 positive(4, 2, 5, 2, 3, 6);
-    EXPECT_TRUE(eliminate(positive));
-    EXPECT_EQ(positive(0, 0), 4);
-    EXPECT_EQ(positive(1, 1), 4);  // 5 - 2 2 / 4
-    EXPECT_EQ(positive(1, 2), 2);  // 3 - 2 2 / 4
-    EXPECT_EQ(positive(2, 2), 4);  // 6 - 2 2 / 4 - 2 2 / 4
-
-    for (S3 refused : {S3(0, 0, 1, 0, 0, 1), S3(1, 1, 1, 0, 0, 1), S3(1, 0, 1, 1, 0, 1), S3(1, 2, 1, 0, 0, 1),
-                       S3(std::numeric_limits<double>::quiet_NaN(), 0, 1, 0, 0, 1)})
-        EXPECT_FALSE(eliminate(refused));
-}
-
 }  // namespace
