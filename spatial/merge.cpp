@@ -114,7 +114,8 @@ int replace_list(node_list& new_IDs, Merge merge_into)
 {
     node_list result;
     const int code = merge_into(result);
-    new_IDs.shallow_copy(code < 0 ? node_list() : result);
+    if (code < 0) result.shallow_copy(node_list());
+    new_IDs.shallow_copy(result);
     return code;
 }
 
