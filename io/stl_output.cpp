@@ -152,8 +152,7 @@ int STL_output(const char* filename, const dense2D<double>& pos, const dense2D<u
         write_text(out, texts, pos, connect, facets);
     else
         write_binary(out, pos, connect, facets);
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 }  // namespace zeb::tessolv

@@ -30,9 +30,10 @@ TESSOLV_API void metric_iso_to_aniso2d(double h, const matrix_fixed<double, 3, 2
 TESSOLV_API void metric_aniso3d_to_aniso2d(const symmetric_fixed<double, 3>& M3, const matrix_fixed<double, 3, 2>& B,
                                            symmetric_fixed<double, 2>& M2);
 
-/// Eigenvalues in ascending order: roots of the characteristic polynomial in 2-D, LAPACK's DSPEV in 3-D.
+/// Eigenvalues in ascending order.
 /// @param vectors  a copy, part of the interface: the caller's matrix stays as it is.
-/// @note In 2-D eigenvalues that are nearly equal are good to 1e-8 of their size only.
+/// @note In 2-D they are the roots of the characteristic polynomial: nearly equal ones are good to 1e-8 of their size
+///       only. In 3-D each is good to 1e-14 of the greatest.
 TESSOLV_API void eigen_pairs(const symmetric_fixed<double, 2>& M, vector_fixed<double, 2>& values,
                              matrix_fixed<double, 2, 2> vectors);
 /// The same in 3-D.
