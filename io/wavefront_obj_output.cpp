@@ -80,8 +80,7 @@ int WavefrontOBJ_output(const char* filename, const dense2D<double>& pos, const 
     write_vectors(out, " vn ", normals, "\n");
     write_faces(out, tria_connect, has_textures, has_normals);
     write_faces(out, quad_connect, has_textures, has_normals);
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 }  // namespace zeb::tessolv

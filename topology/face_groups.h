@@ -87,6 +87,16 @@ class face_groups {
 public:
     using face = std::array<unsigned int, Width>;  // vertices, ascending
 
+    // Well mixed in the high bits. The table takes it of faces whose least vertex is replaced by its place in the
+    // range.
+    static std::uint64_t hash(const face& f)
+    {
+        std::uint64_t h = 0;
+        for (const unsigned int v : f) h = (h ^ v) * 0x9FB21C651E98DF25u;
+        h ^= h >> 32;
+        return h * 0x9E3779B97F4A7C15u;
+    }
+
     // walk(enter) calls enter(face, id) for every face, in ascending order of the IDs; it is run twice. At most
     // `at_most` faces come. False without memory.
     template <class Walk>
@@ -161,16 +171,6 @@ private:
             const face of_b = b.vertices();
             return of_a != of_b ? of_a < of_b : a.id() < b.id();
         }
-
-        // Well mixed in the high bits.
-        std::uint64_t hash() const
-        {
-            std::uint64_t h = 0;
-            const face f = vertices();
-            for (std::size_t i = 0; i < Width; ++i) h = (h ^ f[i]) * 0x9FB21C651E98DF25u;
-            h ^= h >> 32;
-            return h * 0x9E3779B97F4A7C15u;
-        }
     };
 
     // The first two faces of a group by their places in the range.
@@ -200,7 +200,7 @@ private:
         slot* const slots = slots_.data();
         std::fill(slots, slots + mask + 1, slot{NONE_INDEX, NONE_INDEX});
         for (unsigned int i = 0; i < count; ++i) {
-            std::uint64_t s = records[i].hash() >> shift;
+            std::uint64_t s = hash(records[i].vertices()) >> shift;
             for (unsigned int probes = 0;; s = (s + 1) & mask) {
                 if (slots[s].first == NONE_INDEX) {
                     slots[s].first = i;

@@ -124,13 +124,80 @@ TESSOLV_API int ensight_output(const char* filename, const dense2D<double>& pos,
 TESSOLV_API int ensight_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect1,
                                const dense2D<unsigned int>& connect2, element_type type1, element_type type2);
 
+/// Writes a triangle mesh as an STL file: the corners of each triangle in the order of the rows, and the unit normal
+/// (P1 - P0) x (P2 - P0) / length, or 0 0 0 for a triangle whose normal has the length 0.
+/// @param filename  created before anything is checked: every failure but -1 leaves it empty.
+/// @param pos       2 or 3 x nodes; a missing z is written as 0.
+/// @param connect   3 x triangles.
+/// @param ascii     true: text, seven significant digits; false: binary, 50 bytes a triangle, single precision, bytes
+///                  little-endian on every machine, the number of triangles cut to 32 bits.
+/// @return 0; -1 the file cannot be opened; -2 rows of `pos`; -3 rows of `connect` or an index beyond the nodes; -199
+///         memory; -1 the file cannot be written.
+/// @note Linear; one block of 256 KiB. No shared state.
 TESSOLV_API int STL_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
                            bool ascii);
+
+/// Reads an STL file and welds its facets into a mesh. The content never decides between text and binary, `ascii` does.
+///
+/// The corners within 0.05 of the least height of all facets are merged as by merge, the closest first; triangles that
+/// lose a corner and nodes that no triangle uses are dropped, as by remove_degenerated and simplify. The height of a
+/// facet is the least distance of a corner Pi from the line through Pj and Pk, |u x (Pi - Pj)| with
+/// u = (Pk - Pj) / |Pk - Pj|, each corner taken once in the order 2, 0, 1; it is 0 when two corners coincide. Facets of
+/// no height, or of one that is not a number, do not count. If there is no other facet nothing is merged or dropped:
+/// every triangle has three nodes of its own, and the corners of a facet that broke off stay behind them.
+///
+/// Text is taken line by line as fgets with room for 255 characters does, and by the scans "facet normal %lg %lg %lg"
+/// and "vertex %lg %lg %lg" in the C locale, whatever the locale of the program: white space is free, keywords are not,
+/// and nan, inf, hexadecimal numbers and 1e400 are numbers. Reading ends at the first thing that does not fit, such as
+/// "endsolid", and at the end of the file: only the first solid is read, and a file that was cut keeps its whole
+/// facets. That is no failure.
+/// Binary files are little-endian on every machine. The count in the file may be larger than what follows; it never
+/// decides how much memory is taken.
+/// @param[out] pos      3 x nodes, replaced; 0 x 0 on failure and when nothing was read.
+/// @param[out] connect  3 x triangles, replaced; likewise.
+/// @return number of triangles; -1 the file cannot be opened, or it has no first line (text) or no complete header and
+///         count (binary); -199 memory.
+/// @note Expected n log n as merge; up to 84 bytes a facet before the weld, whole lines are never held. A FIFO is read
+///       if somebody writes to it, and otherwise counts as a file that cannot be opened. No shared state.
 TESSOLV_API int STL_input(const char* filename, dense2D<double>& pos, dense2D<unsigned int>& connect, bool ascii);
 
+/// Writes nodes, triangles and quadrilaterals as a Wavefront OBJ file. Texture coordinates and normals belong to nodes:
+/// a corner repeats the number of its node for each of them. Nothing separates the corners of a face, so that a
+/// triangle 0, 1, 2 alone is the line " f 1//2//3// ": other programs, WavefrontOBJ_input too, need blanks there.
+/// @param filename      created before anything is checked: every failure but -1 leaves it empty.
+/// @param pos           2 or 3 x nodes; a missing z is written as 0. Numbers have nine significant digits.
+/// @param normals       3 x nodes, or empty.
+/// @param uvs           2 x nodes, or empty.
+/// @param tria_connect  3 x triangles; indices are not compared with the number of nodes.
+/// @param quad_connect  4 x quadrilaterals, likewise.
+/// @return 0; -1 the file cannot be opened; -2 rows of `pos`; -3 shape of `normals`; -4 shape of `uvs`; -5 rows of
+///         `tria_connect` or NONE_INDEX in it; -6 the same of `quad_connect`; -199 memory; -1 the file cannot be
+///         written.
+/// @note Linear; one block of 256 KiB. No shared state.
 TESSOLV_API int WavefrontOBJ_output(const char* filename, const dense2D<double>& pos, const dense2D<double>& normals,
                                     const dense2D<double>& uvs, const dense2D<unsigned int>& tria_connect,
                                     const dense2D<unsigned int>& quad_connect);
+
+/// Reads the nodes, normals, texture coordinates, triangles and quadrilaterals of a Wavefront OBJ file, each in the
+/// order of the file. Lines of any other keyword, and faces of another number of corners, are passed over. Normals and
+/// texture coordinates are not tied to nodes: the numbers that corners have for them are read and dropped.
+///
+/// Numbers are those of stream extraction in the C locale, whatever the locale of the program (no nan, inf or
+/// hexadecimal); the first word of a line that is none ends its numbers. "v" has three or more, of which three are
+/// kept, "vn" three, "vt" at most three. A corner is k, k/t, k/t/n or k//n, where a number behind a slash may be
+/// missing. Nodes count from 1; -1 is the last node read so far, -2 the one before. 0, and what reaches before the
+/// first node, becomes the number of nodes read so far, an index that check_IDs refuses.
+/// @param[out] pos           3 x nodes, replaced, as all outputs; 0 x 0 if the file has none.
+/// @param[out] normals       3 x "vn" lines.
+/// @param[out] uvs           rows as the first "vt" line that has numbers x such lines: later ones are cut, or padded
+///                           with 0.
+/// @param[out] tria_connect  3 x triangles; indices are not compared with the number of nodes.
+/// @param[out] quad_connect  4 x quadrilaterals, likewise.
+/// @return 0; -1 the file cannot be opened or not be read to its end, a line is malformed (too few or too many numbers,
+///         a corner of another form or above 2^32 - 1, a texture number before any "vt" line, a normal number before
+///         any "vn" line), or memory: what stands before that in the file is kept.
+/// @note Linear; one block of 256 KiB, lines are never held. A FIFO is read if somebody writes to it, and otherwise
+///       counts as a file that cannot be opened. No shared state.
 TESSOLV_API int WavefrontOBJ_input(const char* filename, dense2D<double>& pos, dense2D<double>& normals,
                                    dense2D<double>& uvs, dense2D<unsigned int>& tria_connect,
                                    dense2D<unsigned int>& quad_connect);

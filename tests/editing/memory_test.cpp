@@ -46,6 +46,26 @@ TEST(UniqueIndices, OfAListWithoutMemoryAreAllOrNoneAndZero)
     }
 }
 
+TEST(UniqueIndices, ThatAreManyAndFarApartAreAllOrNone)
+{
+    dense2D<unsigned> connect(2, 10000);
+    for (unsigned j = 0; j < connect.cols; ++j) {
+        connect(0, j) = 400000 * j;
+        connect(1, j) = 400000 * (j / 2);
+    }
+    test::for_each_failure([&](test::attempt& attempt) {
+        dense1D<unsigned> out;
+        const int code = attempt([&] { return unique_indices(out, connect); });
+        EXPECT_EQ(code, attempt.failed() ? -199 : 0);
+        EXPECT_EQ(out.size, attempt.failed() ? 0 : 10000u);
+        for (unsigned j = 0; j < out.size; ++j) ASSERT_EQ(out[j], 400000 * j);
+    });
+    test::for_each_failure([&](test::attempt& attempt) {
+        const int count = attempt([&] { return count_unique_indices(connect); });
+        EXPECT_EQ(count, attempt.failed() ? -199 : 10000);
+    });
+}
+
 TEST(UniqueIndices, NeverAskForMemoryByTheLargestIndex)
 {
     const auto connect = columns({{N - 1, 0, N}, {N - 2, 5, 0}});

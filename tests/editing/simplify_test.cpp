@@ -156,6 +156,17 @@ TEST(Simplify, RenumbersEntriesThatSeveralMatricesShareOnce)
     EXPECT_EQ(meshes[3], columns({{3}}));
 }
 
+TEST(Simplify, RenumbersOverlappingViewsOfOneMatrixOnce)
+{
+    auto pos = nodes_in_a_row(6);
+    auto whole = columns({{5, 3}, {3, 1}, {1, 2}});
+    dense2D<unsigned> meshes[2];
+    meshes[0].shallow_copy(whole.sub_matrix(0, 0, 2, 2));
+    meshes[1].shallow_copy(whole.sub_matrix(0, 1, 2, 2));
+    EXPECT_EQ(simplify(pos, meshes, meshes + 2), 4);
+    EXPECT_EQ(whole, columns({{0, 1}, {1, 2}, {2, 3}}));
+}
+
 TEST(Simplify, RenumbersInterleavedViewsOfOneMatrix)
 {
     auto pos = nodes_in_a_row(6);

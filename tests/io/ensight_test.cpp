@@ -79,6 +79,11 @@ struct named_kind {
     std::vector<unsigned> order;  // empty: that of the rows
 };
 
+void PrintTo(const named_kind& kind, std::ostream* out)
+{
+    *out << kind.name << " of " << kind.nodes;
+}
+
 class NamedKind : public testing::TestWithParam<named_kind> {};
 
 TEST_P(NamedKind, IsWrittenWithAllItsNodes)

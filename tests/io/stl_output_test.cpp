@@ -29,7 +29,7 @@ struct written {
 
 written write_stl(const dense2D<double>& pos, const dense2D<unsigned int>& connect, bool ascii)
 {
-    const temporary_file file("what was there before");
+    const temporary_file file;
     const int code = STL_output(file.name(), pos, connect, ascii);
     return {code, file.bytes()};
 }
@@ -220,6 +220,17 @@ TEST(STLOutput, IsTheSameInEveryLocale)
     const std::string expected = write_stl(corner_points, two_facets, true).bytes;
     const test::comma_locale changed;
     EXPECT_EQ(write_stl(corner_points, two_facets, true).bytes, expected);
+}
+
+TEST(STLOutput, ReplacesTheFile)
+{
+    const temporary_file file(std::string(10000, 'x'));
+    for (const bool ascii : {true, false}) {
+        EXPECT_EQ(STL_output(file.name(), corner_points, two_facets, ascii), 0);
+        EXPECT_EQ(file.bytes(), model_of(corner_points, two_facets, ascii));
+    }
+    EXPECT_EQ(STL_output(file.name(), {}, two_facets, true), -2);
+    EXPECT_EQ(file.bytes(), "");
 }
 
 // -- what is refused

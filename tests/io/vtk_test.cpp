@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <array>
 #include <filesystem>
 
@@ -55,6 +53,11 @@ struct converted_kind {
     std::vector<unsigned> cells, types;
 };
 
+void PrintTo(const converted_kind& kind, std::ostream* out)
+{
+    *out << kind.name;
+}
+
 class ConvertedKind : public testing::TestWithParam<converted_kind> {};
 
 TEST_P(ConvertedKind, BecomesACellOfItsCornersAndAPolyVertexOfTheRest)
@@ -92,6 +95,11 @@ struct refused_conversion {
     int type;
     int code;
 };
+
+void PrintTo(const refused_conversion& refused, std::ostream* out)
+{
+    *out << refused.name;
+}
 
 class RefusedConversion : public testing::TestWithParam<refused_conversion> {};
 
@@ -166,12 +174,11 @@ TEST(VtkConvert, ReadsViews)
 TEST(VtkConvert, ReadsTheElementsOnEntryWhenAStreamIsAViewOfThem)
 {
     const dense2D<unsigned> connect = columns({{1, 2, 3}, {4, 5, 6}});
-    const dense2D<unsigned> before = connect;
     dense1D<unsigned> cells = connect.col(0);
     dense1D<unsigned> types = connect.col(1);
     unsigned count = 0;
     ASSERT_EQ(vtk_convert(connect, EL_TRIA3, count, cells, types), 0);
-    EXPECT_EQ(connect, before);
+    EXPECT_EQ(connect, columns({{1, 2, 3}, {4, 5, 6}}));
     EXPECT_EQ(cells, indices({1, 2, 3, 3, 1, 2, 3, 3, 4, 5, 6}));
     EXPECT_EQ(types, indices({4, 5, 6, 5, 5}));
 }
@@ -315,6 +322,19 @@ TEST(VtkOutputToAStream, ReportsAnErrorOfTheStreamButDoesNotFlush)
     ASSERT_NE(large, nullptr);
     EXPECT_EQ(vtk_output(large, filled(3, 20000, 1.0), 0, indices({}), indices({})), -1);
     std::fclose(large);
+}
+
+TEST(VtkOutputToAStream, ReportsAnErrorFromBeforeTheCall)
+{
+    const temporary_file file;
+    std::FILE* f = std::fopen(file.name(), "w");
+    ASSERT_NE(f, nullptr);
+    ASSERT_EQ(std::fgetc(f), EOF);  // a stream for writing alone cannot be read
+    ASSERT_NE(std::ferror(f), 0);
+    EXPECT_EQ(vtk_output(f, cube_and_one, 0, indices({}), indices({})), -1);
+    std::clearerr(f);
+    EXPECT_EQ(vtk_output(f, cube_and_one, 0, indices({}), indices({})), 0);
+    std::fclose(f);
 }
 
 TEST(VtkOutput, WritesEveryKindAndSplitsMixedMatrices)

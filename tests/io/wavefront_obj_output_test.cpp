@@ -38,7 +38,7 @@ int write_to(const char* name, const obj_arguments& mesh)
 
 written write_obj(const obj_arguments& mesh)
 {
-    const temporary_file file("what was there before");
+    const temporary_file file;
     const int code = write_to(file.name(), mesh);
     return {code, file.bytes()};
 }
@@ -227,6 +227,15 @@ void spoil(obj_arguments& mesh, int argument)
 const obj_arguments good_mesh{square, upwards, square, columns({{0, 1, 2}}), columns({{0, 1, 2, 3}})};
 
 }  // namespace
+
+TEST(WavefrontOBJOutput, ReplacesTheFile)
+{
+    const temporary_file file(std::string(10000, 'x'));
+    EXPECT_EQ(write_to(file.name(), good_mesh), 0);
+    EXPECT_EQ(file.bytes(), model_of(good_mesh));
+    EXPECT_EQ(write_to(file.name(), {}), -2);
+    EXPECT_EQ(file.bytes(), "");
+}
 
 TEST(WavefrontOBJOutput, GivesTheCodeOfTheFirstFault)
 {

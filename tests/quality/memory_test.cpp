@@ -75,4 +75,23 @@ TEST(EdgeLengths, WithoutMemoryReportItAndAreEmpty)
     });
 }
 
+TEST(EdgeQualities, WithoutMemoryReportItAndMeasureNothing)
+{
+    const auto square = columns({{0, 1, 2, 3}});
+    const auto types = test::types({EL_QUAD4});
+    const dense1D<float> sizes(4, 1.0f);
+    for (const bool one_matrix : {true, false}) {
+        test::for_each_failure([&](test::attempt& attempt) {
+            counter h;
+            h.sizes.reserve(4);
+            const int code = attempt([&] {
+                return one_matrix ? edge_qualities(unit_square, square, EL_QUAD4, sizes, h)
+                                  : edge_qualities(unit_square, &square, &square + 1, types, sizes, h);
+            });
+            EXPECT_EQ(code, attempt.failed() ? -199 : 0);
+            EXPECT_EQ(h.sizes.size(), attempt.failed() ? 0u : 4u);
+        });
+    }
+}
+
 }  // namespace

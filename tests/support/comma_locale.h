@@ -2,16 +2,21 @@
 #define TESTS_SUPPORT_COMMA_LOCALE_H
 
 #include <clocale>
+#include <cstdlib>
 #include <locale>
 #include <string>
 
 namespace test {
 
-// While it lives, the program writes 1.000,5: streams surely, the C runtime where the system has such a locale.
+// While it lives, the program writes 1.000,5: streams surely, the C runtime where there is such a locale, in the folder
+// TESTS_LOCALES or in the system.
 class comma_locale {
 public:
     comma_locale() : before_(std::locale::global(std::locale(std::locale::classic(), new punctuation)))
     {
+#ifdef TESTS_LOCALES
+        if (TESTS_LOCALES[0] != '\0') setenv("LOCPATH", TESTS_LOCALES, 1);
+#endif
         for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "fr_FR.utf8"})
             if (std::setlocale(LC_ALL, name) != nullptr) break;
     }

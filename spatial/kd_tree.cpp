@@ -1,0 +1,186 @@
+#include "spatial/kd_tree.h"
+
+#include <cmath>
+
+#include "spatial/mersenne_twister.h"
+#include "spatial/tree_builder.h"
+
+namespace zeb::tessolv {
+namespace {
+
+template <int D>
+const point<D> nowhere = uniform_point<D>(std::numeric_limits<double>::quiet_NaN());
+
+constexpr double largest = std::numeric_limits<double>::max();
+
+}  // namespace
+
+template <int D>
+bool kd_tree<D>::copy(const kd_tree& other)
+{
+    scratch<tree_record<D>> records;
+    if (!records.allocate(other.records_.size())) return false;
+    std::copy(other.records_.begin(), other.records_.end(), records.begin());
+    records_.swap(records);
+    pos_ = other.pos_;
+    deepest_ = other.deepest_;
+    return true;
+}
+
+template <int D>
+const point<D>& kd_tree<D>::position(unsigned int r) const
+{
+    return records_[r].node < pos_->cols ? records_[r].x : nowhere<D>;
+}
+
+template <int D>
+bool kd_tree<D>::insert(scratch<unsigned int>& nodes)
+{
+    shuffle(nodes.data(), nodes.size());
+    const auto end = std::remove_if(nodes.begin(), nodes.end(), [this](unsigned int i) { return i >= pos_->cols; });
+    nodes.truncate(static_cast<std::size_t>(end - nodes.begin()));
+
+    const std::uint64_t all = records_.size() + nodes.size();
+    if (all >= NONE_INDEX) return false;
+    if (pays_to_rebuild(nodes.size())) return rebuild_with(nodes);
+    return std::all_of(nodes.begin(), nodes.end(), [this](unsigned int node) { return link(node); });
+}
+
+// Few nodes are brought to their places one by one. Many make a new tree together with the old records: parents stand
+// before their children, so the old ones come to the same places again. Where the matrix has shrunk, only the walk
+// tells where a new node belongs.
+template <int D>
+bool kd_tree<D>::pays_to_rebuild(std::uint64_t added) const
+{
+    if (records_.empty()) return true;
+    return added * (deepest_ + std::uint64_t{1}) > records_.size() + added &&
+           std::all_of(records_.begin(), records_.end(), [this](const auto& r) { return r.node < pos_->cols; });
+}
+
+template <int D>
+bool kd_tree<D>::rebuild_with(const scratch<unsigned int>& nodes)
+{
+    scratch<tree_record<D>> records;
+    if (!records.allocate(records_.size() + nodes.size())) return false;
+    tree_record<D>* end = std::copy(records_.begin(), records_.end(), records.begin());
+    for (const unsigned int node : nodes)
+        *end++ = {position_of<D>(*pos_, node), node, NONE_INDEX, NONE_INDEX, NONE_INDEX};
+    tree_builder<D> builder;
+    if (!builder.run(records)) return false;
+    records_.swap(records);
+    deepest_ = builder.deepest();
+    return true;
+}
+
+// Hangs a record of the node below the last one on its way down.
+template <int D>
+bool kd_tree<D>::link(unsigned int node)
+{
+    tree_record<D> added{position_of<D>(*pos_, node), node, NONE_INDEX, NONE_INDEX, 0};
+    unsigned int depth = 1;
+    bool is_left = false;
+    for (int d = 0;; d = next_dimension<D>(d), ++depth) {
+        is_left = goes_left(position(added.parent)[d], added.x[d]);
+        const tree_record<D>& record = records_[added.parent];
+        const unsigned int child = is_left ? record.left : record.right;
+        if (child == NONE_INDEX) break;
+        added.parent = child;
+    }
+    if (!records_.push_back(added)) return false;
+    tree_record<D>& parent = records_[added.parent];
+    (is_left ? parent.left : parent.right) = static_cast<unsigned int>(records_.size() - 1);
+    deepest_ = std::max(deepest_, depth);
+    return true;
+}
+
+template <int D>
+unsigned int kd_tree<D>::find_closest(const point<D>& P, unsigned int excluded) const
+{
+    if (records_.empty()) return NONE_INDEX;
+    candidate closest = descend(P, excluded);
+    if (closest.node == NONE_INDEX || closest.distance != 0) search(P, excluded, closest);
+    return closest.node;
+}
+
+template <int D>
+unsigned int kd_tree<D>::find_closest(unsigned int node) const
+{
+    return node < pos_->cols ? find_closest(position_of<D>(*pos_, node), node) : NONE_INDEX;
+}
+
+// The closest of the nodes that P would pass on its way into the tree, the first of equally close ones. Squares are
+// compared here, distances in the search that follows: part of the interface, as it decides ties.
+template <int D>
+typename kd_tree<D>::candidate kd_tree<D>::descend(const point<D>& P, unsigned int excluded) const
+{
+    unsigned int closest = NONE_INDEX;
+    double square = largest;
+    for (unsigned int r = 0, d = 0; r != NONE_INDEX; d = next_dimension<D>(d)) {
+        const tree_record<D>& record = records_[r];
+        const point<D>& x = position(r);
+        const double found = squared_distance(x, P);
+        if (found < square && record.node != excluded) {
+            square = found;
+            closest = record.node;
+        }
+        r = goes_left(x[d], P[d]) ? record.left : record.right;
+    }
+    return {closest, closest != NONE_INDEX ? std::sqrt(square) : largest};
+}
+
+// Looks through all that may be closer than what is known, on the side of P first. The links to the parents lead back,
+// so that a walk needs no memory however deep the tree is.
+template <int D>
+void kd_tree<D>::search(const point<D>& P, unsigned int excluded, candidate& closest) const
+{
+    for (unsigned int r = 0, from = NONE_INDEX, d = 0; r != NONE_INDEX;) {
+        const tree_record<D>& record = records_[r];
+        const point<D>& x = position(r);
+        const bool comes_from_above = from == record.parent;
+        if (comes_from_above && record.node != excluded && box_around<D>(P, closest.distance).contains(x)) {
+            const double found = distance(x, P);
+            if (found < closest.distance) closest = {record.node, found};
+        }
+
+        const bool left_is_near = x[d] >= P[d];
+        const unsigned int near = left_is_near ? record.left : record.right;
+        const unsigned int far = left_is_near ? record.right : record.left;
+        unsigned int next = record.parent;
+        if (comes_from_above && near != NONE_INDEX)
+            next = near;
+        else if ((comes_from_above || from == near) && far != NONE_INDEX &&
+                 (left_is_near ? P[d] + closest.distance >= x[d] : P[d] - closest.distance < x[d]))
+            next = far;
+        d = next == record.parent ? previous_dimension<D>(d) : next_dimension<D>(d);
+        from = r;
+        r = next;
+    }
+}
+
+template <int D>
+void kd_tree<D>::find_in_box(const box<D>& b, dense1D<unsigned int>& nodes) const
+{
+    for (unsigned int r = records_.empty() ? NONE_INDEX : 0, from = NONE_INDEX, d = 0; r != NONE_INDEX;) {
+        const tree_record<D>& record = records_[r];
+        const point<D>& x = position(r);
+        const bool comes_from_above = from == record.parent;
+        const bool may_be_right = x[d] <= b.upper[d];
+        const bool may_be_left = x[d] >= b.lower[d];
+        unsigned int next = record.parent;
+        if (comes_from_above && may_be_right && record.right != NONE_INDEX)
+            next = record.right;
+        else if ((comes_from_above || from == record.right) && may_be_left && record.left != NONE_INDEX)
+            next = record.left;
+        else if (may_be_left && may_be_right && b.contains(x))
+            nodes.push_back(
+                record.node);  // without memory this one is lost and the walk goes on: part of the interface
+        d = next == record.parent ? previous_dimension<D>(d) : next_dimension<D>(d);
+        from = r;
+        r = next;
+    }
+}
+
+template class kd_tree<2>;
+template class kd_tree<3>;
+
+}  // namespace zeb::tessolv

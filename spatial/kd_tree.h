@@ -1,0 +1,64 @@
+#ifndef TESSOLV_SPATIAL_KD_TREE_H
+#define TESSOLV_SPATIAL_KD_TREE_H
+
+#include <zeb/dense1D.h>
+#include <zeb/dense2D.h>
+
+#include "core/scratch.h"
+#include "spatial/point.h"
+#include "spatial/tree_record.h"
+
+namespace zeb::tessolv {
+
+// A search tree over columns of a coordinate matrix that belongs to somebody else. It is not balanced afterwards: the
+// shuffled order of insertion sees to that, and decides which of several equally close nodes is found.
+// A record whose node is no longer a column of the matrix counts as one of NaN coordinates.
+template <int D>
+class kd_tree {
+public:
+    explicit kd_tree(const dense2D<double>& pos) : pos_(&pos) {}
+
+    // A tree of the same records over the same matrix. False, and nothing changed, without memory.
+    [[nodiscard]] bool copy(const kd_tree& other);
+
+    std::uint64_t size() const { return records_.size(); }
+
+    const dense2D<double>& matrix() const { return *pos_; }
+
+    // Inserts the nodes in shuffled order; those that are no columns of the matrix are passed over. The list is used
+    // up. False when memory ran out: what was stored until then stays, of a tree that was empty nothing.
+    [[nodiscard]] bool insert(scratch<unsigned int>& nodes);
+
+    // The node closest to P other than `excluded`, NONE_INDEX if there is none.
+    unsigned int find_closest(const point<D>& P, unsigned int excluded) const;
+
+    // The node closest to the position of `node`, other than `node` itself.
+    unsigned int find_closest(unsigned int node) const;
+
+    // Appends the nodes in the box: those of the right subtree of a record, those of the left one, its own.
+    void find_in_box(const box<D>& b, dense1D<unsigned int>& nodes) const;
+
+private:
+    struct candidate {
+        unsigned int node;
+        double distance;
+    };
+
+    const point<D>& position(unsigned int r) const;
+    bool pays_to_rebuild(std::uint64_t added) const;
+    [[nodiscard]] bool link(unsigned int node);
+    [[nodiscard]] bool rebuild_with(const scratch<unsigned int>& nodes);
+    candidate descend(const point<D>& P, unsigned int excluded) const;
+    void search(const point<D>& P, unsigned int excluded, candidate& closest) const;
+
+    const dense2D<double>* pos_;
+    scratch<tree_record<D>> records_;  // record 0 is the root, parents stand before their children
+    unsigned int deepest_ = 0;         // depth of the deepest record
+};
+
+extern template class kd_tree<2>;
+extern template class kd_tree<3>;
+
+}  // namespace zeb::tessolv
+
+#endif

@@ -1,0 +1,282 @@
+#include "spatial/set_merge.h"
+
+#include <algorithm>
+
+#include "core/scratch.h"
+#include "spatial/balanced_tree.h"
+#include "spatial/cell_filter.h"
+#include "spatial/node_pairs.h"
+#include "spatial/site_table.h"
+#include "spatial/visible_nodes.h"
+
+namespace zeb::tessolv {
+namespace {
+
+// A pair for every two nodes within the tolerance may be too many. What keeps their number down:
+// Sites. Targets at one position are at one distance from each visitor; they are taken together, all but the visitor
+// itself. And of the visitors at a position only two count, the first that is a target and the first that is none: when
+// the turn of another one comes, at distance 0, it has been taken itself or nothing is left for it.
+// Rounds. If there are still too many, those up to some distance are collected and applied first. The others come later
+// anyway, and by then pairs of nodes that are not free need no collecting. What is left after a round is farther apart
+// than its distance, so that there are few neighbours within twice that.
+template <int D>
+class set_merge {
+public:
+    set_merge(const dense2D<double>& pos, double tolerance, unsigned int* new_IDs)
+        : sites_(pos), tolerance_(tolerance), new_IDs_(new_IDs)
+    {
+    }
+
+    [[nodiscard]] bool run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets,
+                           std::uint64_t most);
+    std::uint64_t merges() const { return merges_; }
+
+private:
+    enum class outcome { complete, too_many, no_memory };
+
+    struct visitor {
+        unsigned int node;
+        unsigned int visit;
+        unsigned int site;
+        bool has_company;  // there may be other sites in its box
+    };
+
+    static constexpr std::uint32_t beyond_all = last_rank + 1;
+
+    bool is_free(unsigned int node) const { return new_IDs_[node] == node; }
+    bool has_free(const site& s, unsigned int other_than) const;
+    bool list_visitors(const dense1D<unsigned int>& visitors);
+    bool find_company();
+    bool is_lonely_bystander(const visitor& v) const;
+    bool merge_in_rounds(std::uint64_t most);
+    bool start_round();
+    double reach_of(std::uint32_t end) const;
+    outcome collect(std::uint32_t begin, std::uint32_t end, std::uint64_t most);
+    void apply_pairs();
+    void settle_followers(const dense1D<unsigned int>& targets);
+
+    site_table<D> sites_;
+    double tolerance_;
+    unsigned int* new_IDs_;
+    std::uint64_t merges_ = 0;
+    scratch<visitor> visitors_;
+    balanced_tree<D> neighborhood_;  // the sites that visitors with company look at
+    scratch<node_pair> pairs_;
+};
+
+template <int D>
+bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets, std::uint64_t most)
+{
+    const bool one_list = visitors.data() == targets.data() && visitors.size == targets.size;
+    if (!(one_list ? sites_.build(visitors) : sites_.build(visitors, targets))) return false;
+    if (!list_visitors(visitors) || !find_company()) return false;
+    const auto lonely = [this](const visitor& v) { return is_lonely_bystander(v); };
+    const auto end = std::remove_if(visitors_.begin(), visitors_.end(), lonely);
+    visitors_.truncate(static_cast<std::size_t>(end - visitors_.begin()));
+
+    const outcome at_once = collect(0, beyond_all, most);
+    if (at_once == outcome::complete)
+        apply_pairs();
+    else if (at_once == outcome::no_memory || !merge_in_rounds(most))
+        return false;
+    settle_followers(targets);
+    compress_paths(new_IDs_, visitors.data(), visitors.size);
+    return true;
+}
+
+// Whether a target of the site other than the given node is free. Targets of a site are taken together.
+template <int D>
+bool set_merge<D>::has_free(const site& s, unsigned int other_than) const
+{
+    return (s.target != NONE_INDEX && s.target != other_than && is_free(s.target)) ||
+           (s.followers != 0 && s.taken_by == NONE_INDEX);
+}
+
+template <int D>
+bool set_merge<D>::list_visitors(const dense1D<unsigned int>& visitors)
+{
+    if (!visitors_.allocate(std::min<std::uint64_t>(visitors.size, 2 * sites_.size()))) return false;
+    visitors_.clear();
+    for (std::uint64_t k = 0; k < visitors.size; ++k) {
+        const unsigned int s = sites_.of_visitor(k);
+        const unsigned int node = visitors[k];
+        if (s != NONE_INDEX && (node == sites_[s].target || node == sites_[s].bystander) &&
+            !visitors_.push_back({node, static_cast<unsigned int>(k), s, false}))
+            return false;
+    }
+    return true;
+}
+
+// Tells the visitors that are alone within the tolerance from the others, and arranges the sites that those look at.
+template <int D>
+bool set_merge<D>::find_company()
+{
+    cell_filter<D> cells;
+    if (!cells.allocate(sites_.size(), tolerance_)) return false;
+    for (std::size_t s = 0; s < sites_.size(); ++s)
+        if (sites_[s].target != NONE_INDEX) cells.enter(sites_.position(s));
+    bool any = false;
+    for (visitor& v : visitors_) {
+        v.has_company = !cells.is_alone(sites_.position(v.site), sites_[v.site].target != NONE_INDEX);
+        any |= v.has_company;
+    }
+    scratch<typename balanced_tree<D>::item> looked_at;
+    if (any) {
+        cells.forget();
+        for (const visitor& v : visitors_)
+            if (v.has_company) cells.mark_around(sites_.position(v.site));
+        for (unsigned int s = 0; s < sites_.size(); ++s) {
+            const point<D> x = sites_.position(s);
+            if (sites_[s].target != NONE_INDEX && cells.is_marked(x) && !looked_at.push_back({x, s})) return false;
+        }
+    }
+    return neighborhood_.build(looked_at);
+}
+
+// A visitor with a single target in its box passes it over. Of one that is a target this means itself.
+template <int D>
+bool set_merge<D>::is_lonely_bystander(const visitor& v) const
+{
+    const site& own = sites_[v.site];
+    if (v.node != own.bystander) return false;
+    const box<D> around = box_around<D>(sites_.position(v.site), tolerance_);
+    std::uint64_t hits = 0;
+    const auto count = [&](unsigned int s) { return (hits += 1u + sites_[s].followers) < 2; };
+    if (v.has_company)
+        neighborhood_.visit_box(around, [&](const auto& item) { return count(item.id); });
+    else if (own.target != NONE_INDEX && around.contains(sites_.position(v.site)))
+        count(v.site);
+    return hits < 2;
+}
+
+// Half-width of a box that holds what is nearer than the distance of rank `end`.
+template <int D>
+double set_merge<D>::reach_of(std::uint32_t end) const
+{
+    constexpr double rounding = 1.000001;  // of the distance to float
+    constexpr double underflow = 1e-150;   // of the squares that are summed
+    return end == beyond_all ? tolerance_ : std::min(tolerance_, distance_of(end) * rounding + underflow);
+}
+
+// Collects the pairs whose distance has a rank of [begin, end). Gives up when more than `most` sites were looked at.
+template <int D>
+typename set_merge<D>::outcome set_merge<D>::collect(std::uint32_t begin, std::uint32_t end, std::uint64_t most)
+{
+    const double reach = reach_of(end);
+    outcome result = outcome::complete;
+    std::uint64_t looked_at = 0;
+    pairs_.clear();
+    for (const visitor& v : visitors_) {
+        const point<D> P = sites_.position(v.site);
+        const box<D> around = box_around<D>(P, tolerance_);
+        const auto consider = [&](const point<D>& x, unsigned int s) {
+            const double d = distance(x, P);
+            const std::uint32_t rank = rank_of(d);
+            if (++looked_at > most)
+                result = outcome::too_many;
+            else if (around.contains(x) && !(d > tolerance_) && begin <= rank && rank < end &&
+                     !pairs_.push_back({rank, v.visit, v.node, s}))
+                result = outcome::no_memory;
+            return result == outcome::complete;
+        };
+        if (has_free(sites_[v.site], v.node)) consider(P, v.site);
+        if (v.has_company)
+            neighborhood_.visit_box(box_around<D>(P, reach),
+                                    [&](const auto& item) { return item.id == v.site || consider(item.x, item.id); });
+        if (result != outcome::complete) return result;
+    }
+    return result;
+}
+
+template <int D>
+void set_merge<D>::apply_pairs()
+{
+    sort_closest_first(pairs_);
+    for (const node_pair& pair : pairs_) {
+        if (!is_free(pair.visitor)) continue;
+        site& s = sites_[pair.target];
+        if (s.target != pair.visitor && is_free(s.target)) {
+            new_IDs_[s.target] = pair.visitor;
+            ++merges_;
+        }
+        if (s.followers != 0 && s.taken_by == NONE_INDEX) {
+            s.taken_by = pair.visitor;
+            merges_ += s.followers;
+        }
+    }
+}
+
+template <int D>
+void set_merge<D>::settle_followers(const dense1D<unsigned int>& targets)
+{
+    for (std::uint64_t k = 0; k < targets.size; ++k) {
+        if (sites_.of_target(k) == NONE_INDEX) continue;
+        const site& s = sites_[sites_.of_target(k)];
+        if (targets[k] != s.target && s.taken_by != NONE_INDEX) new_IDs_[targets[k]] = s.taken_by;
+    }
+}
+
+// Ranks are the bits of a float: steps in them are ratios of distances. A round is not made shorter than some percent of
+// its distance; if that still has more neighbours than the bound, they have to be taken.
+template <int D>
+bool set_merge<D>::merge_in_rounds(std::uint64_t most)
+{
+    constexpr std::uint32_t twice_the_distance = 1u << 23;
+    constexpr std::uint32_t least_step = twice_the_distance / 16;
+    std::uint32_t step = beyond_all / 2;
+    for (std::uint32_t begin = 0; begin < beyond_all; begin += step) {
+        if (begin != 0) step = pairs_.empty() ? 2 * step : twice_the_distance;
+        if ((begin == 0 || !pairs_.empty()) && !start_round()) return false;
+        if (visitors_.size() * neighborhood_.size() <= most) step = beyond_all;
+        step = std::min(step, beyond_all - begin);
+        outcome result = collect(begin, begin + step, most);
+        while (result == outcome::too_many) {
+            if (step > least_step)
+                step /= 2;
+            else
+                most = 2 * most + visitors_.size();
+            result = collect(begin, begin + step, most);
+        }
+        if (result == outcome::no_memory) return false;
+        apply_pairs();
+    }
+    return true;
+}
+
+// Drops the visitors that were taken and arranges the sites that have something left.
+template <int D>
+bool set_merge<D>::start_round()
+{
+    const auto end =
+        std::remove_if(visitors_.begin(), visitors_.end(), [this](const visitor& v) { return !is_free(v.node); });
+    visitors_.truncate(static_cast<std::size_t>(end - visitors_.begin()));
+    for (visitor& v : visitors_) v.has_company = true;
+    scratch<typename balanced_tree<D>::item> open;
+    for (unsigned int s = 0; s < sites_.size(); ++s)
+        if (has_free(sites_[s], NONE_INDEX) && !open.push_back({sites_.position(s), s})) return false;
+    return neighborhood_.build(open);
+}
+
+template <int D>
+bool run_merge(const dense2D<double>& pos, const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets,
+               double tolerance, std::uint64_t most, unsigned int* new_IDs, std::uint64_t& merges)
+{
+    dense1D<unsigned int> visible;
+    if (!find_visible_nodes<D>(pos, targets, visible)) return false;
+    set_merge<D> merge(pos, tolerance, new_IDs);
+    const bool done = merge.run(visitors, visible, most);
+    merges = merge.merges();
+    return done;
+}
+
+}  // namespace
+
+bool merge_closest_first(const dense2D<double>& pos, const dense1D<unsigned int>& visitors,
+                         const dense1D<unsigned int>& targets, double tolerance, std::uint64_t most,
+                         unsigned int* new_IDs, std::uint64_t& merges)
+{
+    return pos.rows == 2 ? run_merge<2>(pos, visitors, targets, tolerance, most, new_IDs, merges)
+                         : run_merge<3>(pos, visitors, targets, tolerance, most, new_IDs, merges);
+}
+
+}  // namespace zeb::tessolv
