@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -52,8 +53,40 @@ char* put_vector(char* to, const vector3& v)
     return to;
 }
 
-void write_text(block_writer& out, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
-                std::uint64_t facets)
+// Texts of the corners that were written last. A node is met by some six triangles, mostly soon after each other.
+class corner_texts {
+public:
+    [[nodiscard]] bool allocate(std::uint64_t nodes)
+    {
+        return places_.allocate(std::bit_ceil(std::clamp<std::uint64_t>(nodes, 1, 1 << 14)), place{NONE_INDEX, 0, {}});
+    }
+
+    // Writes the coordinates of a node; `to` has room for three numbers.
+    char* put(char* to, unsigned int node, const vector3& P)
+    {
+        place& found = places_[node & (places_.size() - 1)];
+        if (found.node != node) {
+            found.node = node;
+            found.length = static_cast<unsigned int>(put_vector(to, P) - to);
+            std::memcpy(found.text, to, sizeof found.text);
+        } else {
+            std::memcpy(to, found.text, sizeof found.text);
+        }
+        return to + found.length;
+    }
+
+private:
+    struct place {
+        unsigned int node;
+        unsigned int length;
+        char text[48];  // " -1.234567e-100" three times and a newline take 46
+    };
+
+    scratch<place> places_;
+};
+
+void write_text(block_writer& out, corner_texts& texts, const dense2D<double>& pos,
+                const dense2D<unsigned int>& connect, std::uint64_t facets)
 {
     constexpr std::size_t facet_room = 12 * number_room + 256;
     out.put("solid ZEB\n");
@@ -61,7 +94,8 @@ void write_text(block_writer& out, const dense2D<double>& pos, const dense2D<uns
         const facet f = facet_of(pos, column(connect, j));
         char* at = put_text(out.room(facet_room), "   facet normal");
         at = put_text(put_vector(at, f.normal), "      outer loop\n");
-        for (const vector3& corner : f.corners) at = put_vector(put_text(at, "         vertex"), corner);
+        for (std::size_t k = 0; k < 3; ++k)
+            at = texts.put(put_text(at, "         vertex"), column(connect, j)[k], f.corners[k]);
         out.advance(put_text(at, "      endloop\n   endfacet\n"));
     }
     out.put("endsolid ZEB\n");
@@ -111,10 +145,11 @@ int STL_output(const char* filename, const dense2D<double>& pos, const dense2D<u
     if (pos.rows != 2 && pos.rows != 3) return bad_argument(2);
     if (!check_IDs(connect, EL_TRIA3, as_bound(pos.cols))) return bad_argument(3);
     block_writer out(file.stream());
-    if (!out.allocate()) return out_of_memory;
+    corner_texts texts;
+    if (!out.allocate() || (ascii && !texts.allocate(pos.cols))) return out_of_memory;
     const std::uint64_t facets = connect.rows != 0 ? connect.cols : 0;
     if (ascii)
-        write_text(out, pos, connect, facets);
+        write_text(out, texts, pos, connect, facets);
     else
         write_binary(out, pos, connect, facets);
     return finish(out, file);

@@ -14,13 +14,18 @@ using tensor = symmetric_fixed<double, N>;
 template <std::size_t N>
 using square_matrix = matrix_fixed<double, N, N>;
 
-// M = L L' with L lower triangular; false where M is not positive definite.
+// M = L L' with L lower triangular, row by row of L' from what remains of M. False at a pivot that is not greater than
+// 0.
 template <std::size_t N>
 bool cholesky(tensor<N> M, square_matrix<N>& L)
 {
-    if (!eliminate(M)) return false;
-    for (std::size_t k = 0; k < N; ++k)
-        for (std::size_t i = k; i < N; ++i) L(i, k) = M(k, i) / std::sqrt(M(k, k));
+    for (std::size_t k = 0; k < N; ++k) {
+        const double pivot = M(k, k);
+        if (!(pivot > 0.0)) return false;
+        for (std::size_t i = k; i < N; ++i) L(i, k) = M(k, i) / std::sqrt(pivot);
+        for (std::size_t j = k + 1; j < N; ++j)
+            for (std::size_t i = k + 1; i <= j; ++i) M(i, j) -= M(k, i) * M(k, j) / pivot;
+    }
     return true;
 }
 

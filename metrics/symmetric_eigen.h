@@ -15,9 +15,11 @@ struct eigen_system {
     matrix_fixed<double, N, N> vectors;
 };
 
+// In 2-D the roots of the characteristic polynomial, in 3-D those that LAPACK gives: what decides about a tensor.
 vector_fixed<double, 2> eigenvalues(const symmetric_fixed<double, 2>& M);
 vector_fixed<double, 3> eigenvalues(const symmetric_fixed<double, 3>& M);
 
+// In 3-D to 1e-14 of the greatest magnitude, which in all but odd cases is faster by direct formulas than by LAPACK.
 eigen_system<2> eigen_decomposition(const symmetric_fixed<double, 2>& M);
 eigen_system<3> eigen_decomposition(const symmetric_fixed<double, 3>& M);
 
@@ -25,19 +27,6 @@ template <std::size_t N>
 bool is_finite(const symmetric_fixed<double, N>& M)
 {
     return std::all_of(M.begin(), M.end(), [](double m) { return std::isfinite(m); });
-}
-
-// Gauss elimination without pivoting of a symmetric matrix in place: S(k, j) becomes entry (k, j) of the upper factor,
-// k <= j. False, with S as far as it got, at a pivot that is not greater than 0.
-template <std::size_t N>
-bool eliminate(symmetric_fixed<double, N>& S)
-{
-    for (std::size_t k = 0; k < N; ++k) {
-        if (!(S(k, k) > 0.0)) return false;
-        for (std::size_t j = k + 1; j < N; ++j)
-            for (std::size_t i = k + 1; i <= j; ++i) S(i, j) -= S(k, i) * S(k, j) / S(k, k);
-    }
-    return true;
 }
 
 }  // namespace zeb::tessolv

@@ -39,26 +39,33 @@ bool has_valid_eigenvalues(const symmetric_fixed<double, N>& M)
     return *least > least_ratio * *greatest;
 }
 
+// Whether Gauss elimination of M + shift I meets positive pivots alone.
+bool has_positive_pivots(const symmetric_fixed<double, 3>& M, double shift)
+{
+    const double a = M[0] + shift, inverse_a = 1.0 / a;
+    const double b = M[2] + shift - M[1] * M[1] * inverse_a;
+    const double bc = M[4] - M[1] * M[3] * inverse_a;
+    const double c = M[5] + shift - M[3] * M[3] * inverse_a - bc * bc / b;
+    return a > 0.0 && b > 0.0 && c > 0.0;
+}
+
 enum class verdict { valid, invalid, doubtful };
 
 // The same answer from two eliminations wherever the least eigenvalue is farther from 0 than rounding can reach.
 //
 // `bound` is at least the norm of M. Elimination is backward stable to a few 1e-16 of it (N. J. Higham. Accuracy and
-// Stability of Numerical Algorithms. SIAM 2002, theorems 10.3 and 10.7), and so are computed eigenvalues. So if M -
-// shift has only positive pivots the least computed eigenvalue is greater than 0.9 shift, far beyond the least ratio;
-// if M + shift has another one it is less than -0.9 shift. Magnitudes are kept from where products leave their range.
+// Stability of Numerical Algorithms. SIAM 2002, theorems 10.3 and 10.7), and so are computed eigenvalues. So if M less
+// the shift has positive pivots alone, the least computed eigenvalue is greater than 0.9 shift, far beyond the least
+// ratio; if M and the shift have another one, it is less than -0.9 shift. Entries that are not finite are doubtful, and
+// so are magnitudes whose products might leave the range.
 verdict judge_by_pivots(const symmetric_fixed<double, 3>& M)
 {
     const double bound =
         std::abs(M[0]) + std::abs(M[2]) + std::abs(M[5]) + 2.0 * (std::abs(M[1]) + std::abs(M[3]) + std::abs(M[4]));
     if (!(bound > 1e-100 && bound < 1e100)) return verdict::doubtful;
     const double shift = 1e-12 * bound;
-    const auto is_positive = [&M](double added) {
-        auto shifted = M;
-        for (std::size_t k = 0; k < 3; ++k) shifted(k, k) += added;
-        return eliminate(shifted);
-    };
-    return is_positive(-shift) ? verdict::valid : is_positive(shift) ? verdict::doubtful : verdict::invalid;
+    if (has_positive_pivots(M, -shift)) return verdict::valid;
+    return has_positive_pivots(M, shift) ? verdict::doubtful : verdict::invalid;
 }
 
 }  // namespace
@@ -102,7 +109,7 @@ void eigen_pairs(const symmetric_fixed<double, 2>& M, vector_fixed<double, 2>& v
 
 void eigen_pairs(const symmetric_fixed<double, 3>& M, vector_fixed<double, 3>& values, matrix_fixed<double, 3, 3>)
 {
-    values = eigenvalues(M);
+    values = eigen_decomposition(M).values;
 }
 
 bool is_valid_metric(const symmetric_fixed<double, 2>& M)
@@ -112,9 +119,8 @@ bool is_valid_metric(const symmetric_fixed<double, 2>& M)
 
 bool is_valid_metric(const symmetric_fixed<double, 3>& M)
 {
-    if (!is_finite(M)) return false;
     const verdict certain = judge_by_pivots(M);
-    return certain == verdict::doubtful ? has_valid_eigenvalues(M) : certain == verdict::valid;
+    return certain == verdict::doubtful ? is_finite(M) && has_valid_eigenvalues(M) : certain == verdict::valid;
 }
 
 }  // namespace zeb::tessolv

@@ -218,9 +218,9 @@ struct edge_table {
 
     constexpr explicit edge_table(const node_table<Edges, 2>& list) : ends(list)
     {
-        for (unsigned char e = 0; e < Edges; ++e) {
-            number[list[e][0]][list[e][1]] = e;
-            number[list[e][1]][list[e][0]] = e;
+        for (std::size_t e = 0; e < Edges; ++e) {
+            const auto [a, b] = list[e];
+            number[a][b] = number[b][a] = static_cast<unsigned char>(e);
         }
     }
 };

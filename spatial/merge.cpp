@@ -61,7 +61,7 @@ int merge_lists(const dense2D<double>& pos, const node_list& nodes1, const node_
     std::uint64_t merges = 0;
     if (!number_columns(pos, new_IDs) || !find_distinct(nodes1, visitors) ||
         !(one_list ? targets.shallow_copy(visitors) : find_distinct(nodes2, targets)) ||
-        !merge_closest_first(pos, visitors, targets, tolerance, new_IDs.data(), merges))
+        !merge_closest_first(pos, visitors, targets, tolerance, usual_most(visitors.size), new_IDs.data(), merges))
         return out_of_memory;
     return as_result(merges);
 }
@@ -82,7 +82,7 @@ int merge_range(const dense2D<double>& pos, const matrix_range<dense2D<unsigned 
     if (!are_columns(nodes, pos)) return bad_argument(2);
     std::uint64_t merges = 0;
     if (!number_columns(pos, new_IDs) ||
-        !(mode == 0 ? merge_closest_first(pos, nodes, nodes, tolerance, new_IDs.data(), merges)
+        !(mode == 0 ? merge_closest_first(pos, nodes, nodes, tolerance, usual_most(nodes.size), new_IDs.data(), merges)
                     : merge_within_elements(pos, meshes, nodes, tolerance, mode == 2, new_IDs.data(), merges)))
         return out_of_memory;
     for (auto& connect : meshes) change_indices(connect, new_IDs);
@@ -100,7 +100,7 @@ int merge_columns(dense2D<double>& pos, node_list& new_IDs, double tolerance)
     dense2D<double> moved;
     std::uint64_t merges = 0;
     if (!number_columns(pos, new_IDs) || !number_columns(pos, nodes) || !moved.copy(pos) ||
-        !merge_closest_first(pos, nodes, nodes, tolerance, new_IDs.data(), merges))
+        !merge_closest_first(pos, nodes, nodes, tolerance, usual_most(nodes.size), new_IDs.data(), merges))
         return out_of_memory;
     for (std::uint64_t i = 0; i < pos.cols; ++i)
         if (new_IDs[i] != i) std::copy_n(column(pos, new_IDs[i]), pos.rows, column(moved, i));
@@ -114,7 +114,8 @@ int replace_list(node_list& new_IDs, Merge merge_into)
 {
     node_list result;
     const int code = merge_into(result);
-    new_IDs.shallow_copy(code < 0 ? node_list() : result);
+    if (code < 0) result.shallow_copy(node_list());
+    new_IDs.shallow_copy(result);
     return code;
 }
 

@@ -27,7 +27,8 @@ public:
     {
     }
 
-    [[nodiscard]] bool run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets);
+    [[nodiscard]] bool run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets,
+                           std::uint64_t most);
     std::uint64_t merges() const { return merges_; }
 
 private:
@@ -64,7 +65,7 @@ private:
 };
 
 template <int D>
-bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets)
+bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets, std::uint64_t most)
 {
     const bool one_list = visitors.data() == targets.data() && visitors.size == targets.size;
     if (!(one_list ? sites_.build(visitors) : sites_.build(visitors, targets))) return false;
@@ -73,7 +74,6 @@ bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsi
     const auto end = std::remove_if(visitors_.begin(), visitors_.end(), lonely);
     visitors_.truncate(static_cast<std::size_t>(end - visitors_.begin()));
 
-    const std::uint64_t most = 8 * (visitors.size + targets.size) + 65536;
     const outcome at_once = collect(0, beyond_all, most);
     if (at_once == outcome::complete)
         apply_pairs();
@@ -216,10 +216,13 @@ void set_merge<D>::settle_followers(const dense1D<unsigned int>& targets)
     }
 }
 
+// Ranks are the bits of a float: steps in them are ratios of distances. A round is not made shorter than some percent of
+// its distance; if that still has more neighbours than the bound, they have to be taken.
 template <int D>
 bool set_merge<D>::merge_in_rounds(std::uint64_t most)
 {
     constexpr std::uint32_t twice_the_distance = 1u << 23;
+    constexpr std::uint32_t least_step = twice_the_distance / 16;
     std::uint32_t step = beyond_all / 2;
     for (std::uint32_t begin = 0; begin < beyond_all; begin += step) {
         if (begin != 0) step = pairs_.empty() ? 2 * step : twice_the_distance;
@@ -228,9 +231,11 @@ bool set_merge<D>::merge_in_rounds(std::uint64_t most)
         step = std::min(step, beyond_all - begin);
         outcome result = collect(begin, begin + step, most);
         while (result == outcome::too_many) {
-            const std::uint64_t bound = step > 1 ? most : ~std::uint64_t{0};
-            step = std::max(step / 2, 1u);
-            result = collect(begin, begin + step, bound);
+            if (step > least_step)
+                step /= 2;
+            else
+                most = 2 * most + visitors_.size();
+            result = collect(begin, begin + step, most);
         }
         if (result == outcome::no_memory) return false;
         apply_pairs();
@@ -254,12 +259,12 @@ bool set_merge<D>::start_round()
 
 template <int D>
 bool run_merge(const dense2D<double>& pos, const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets,
-               double tolerance, unsigned int* new_IDs, std::uint64_t& merges)
+               double tolerance, std::uint64_t most, unsigned int* new_IDs, std::uint64_t& merges)
 {
     dense1D<unsigned int> visible;
     if (!find_visible_nodes<D>(pos, targets, visible)) return false;
     set_merge<D> merge(pos, tolerance, new_IDs);
-    const bool done = merge.run(visitors, visible);
+    const bool done = merge.run(visitors, visible, most);
     merges = merge.merges();
     return done;
 }
@@ -267,11 +272,11 @@ bool run_merge(const dense2D<double>& pos, const dense1D<unsigned int>& visitors
 }  // namespace
 
 bool merge_closest_first(const dense2D<double>& pos, const dense1D<unsigned int>& visitors,
-                         const dense1D<unsigned int>& targets, double tolerance, unsigned int* new_IDs,
-                         std::uint64_t& merges)
+                         const dense1D<unsigned int>& targets, double tolerance, std::uint64_t most,
+                         unsigned int* new_IDs, std::uint64_t& merges)
 {
-    return pos.rows == 2 ? run_merge<2>(pos, visitors, targets, tolerance, new_IDs, merges)
-                         : run_merge<3>(pos, visitors, targets, tolerance, new_IDs, merges);
+    return pos.rows == 2 ? run_merge<2>(pos, visitors, targets, tolerance, most, new_IDs, merges)
+                         : run_merge<3>(pos, visitors, targets, tolerance, most, new_IDs, merges);
 }
 
 }  // namespace zeb::tessolv

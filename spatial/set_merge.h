@@ -14,9 +14,16 @@ namespace zeb::tessolv {
 // passed over. Then the pairs are applied closest first, each if both nodes are still free.
 // `new_IDs` has an entry for each column, the node itself on entry; the entries of the visitors lead in one step to the
 // node that stays afterwards. `merges` is the number of nodes that were merged. False without memory.
+// `most` is how many neighbours are looked at before the work is divided; it does not change the outcome.
 [[nodiscard]] bool merge_closest_first(const dense2D<double>& pos, const dense1D<unsigned int>& visitors,
-                                       const dense1D<unsigned int>& targets, double tolerance, unsigned int* new_IDs,
-                                       std::uint64_t& merges);
+                                       const dense1D<unsigned int>& targets, double tolerance, std::uint64_t most,
+                                       unsigned int* new_IDs, std::uint64_t& merges);
+
+// Enough for a few neighbours of every node.
+constexpr std::uint64_t usual_most(std::uint64_t nodes)
+{
+    return 16 * nodes + 65536;
+}
 
 }  // namespace zeb::tessolv
 

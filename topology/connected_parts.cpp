@@ -39,6 +39,10 @@ private:
     scratch<std::uint64_t> words_;
 };
 
+// Elements between the one that is looked at and the one whose column is fetched from memory: enough for a few columns
+// to be on their way at once.
+constexpr std::uint64_t fetched_ahead = 12;
+
 // What becomes of an entry equal to the number of elements, which is neither an element nor beyond them.
 enum class entry_past_end { listed_once, skipped };
 
@@ -69,6 +73,7 @@ bool list_parts(const dense2D<unsigned int>& neighbors, entry_past_end past_end,
         for (; next < listed; ++next) {
             const std::uint64_t e = list[next];
             if (e == n) continue;
+            if (next + fetched_ahead < listed) __builtin_prefetch(&neighbors(0, list[next + fetched_ahead]));
             for (std::uint64_t i = 0; i < neighbors.rows; ++i) {
                 const unsigned int m = neighbors(i, e);
                 if (m <= n && entered.mark(m)) list[listed++] = m;

@@ -35,6 +35,53 @@ void enter_edges(const mesh_range& meshes, Enter enter)
     });
 }
 
+void mark(scratch<std::uint64_t>& marks, std::uint64_t number, bool marked)
+{
+    marks[number / 64] |= std::uint64_t{marked} << (number % 64);
+}
+
+// Dense numbers: the larger vertices of the edges are sorted by the smaller one, by counting; an edge is new when its
+// larger vertex was not yet met in the list at hand. There is no branch in it that a processor could mispredict. False
+// without memory.
+[[nodiscard]] bool mark_first_by_counting(const mesh_range& meshes, const vertex_bounds& bounds, std::uint64_t entries,
+                                          scratch<std::uint64_t>& marks)
+{
+    struct edge_end {
+        unsigned int larger;
+        unsigned int number;
+    };
+    const std::uint64_t vertices = std::uint64_t{bounds.highest} - bounds.lowest + 1;
+    scratch<unsigned int> ends;  // of the list of each vertex
+    scratch<unsigned int> met_by;
+    scratch<edge_end> lists;
+    if (!ends.allocate(vertices + 1, 0) || !met_by.allocate(vertices, NONE_INDEX) || !lists.allocate(entries))
+        return false;
+    enter_edges(meshes, [&](auto edge, std::uint64_t) { ++ends[edge[0] - bounds.lowest + 1]; });
+    for (std::uint64_t v = 0; v < vertices; ++v) ends[v + 1] += ends[v];
+    enter_edges(meshes, [&](auto edge, std::uint64_t number) {
+        lists[ends[edge[0] - bounds.lowest]++] = {edge[1] - bounds.lowest, static_cast<unsigned int>(number)};
+    });
+    unsigned int next = 0;
+    for (unsigned int v = 0; v < vertices; ++v)
+        for (; next < ends[v]; ++next) {
+            unsigned int& met = met_by[lists[next].larger];
+            mark(marks, lists[next].number, met != v);
+            met = v;
+        }
+    return true;
+}
+
+// Any numbers. False without memory.
+[[nodiscard]] bool mark_first_by_grouping(const mesh_range& meshes, const vertex_bounds& bounds, std::uint64_t entries,
+                                          scratch<std::uint64_t>& marks)
+{
+    face_groups<2> edges;
+    if (!edges.collect(bounds, entries, [&](auto enter) { enter_edges(meshes, enter); })) return false;
+    edges.for_each(
+        [&](std::uint64_t first, std::uint64_t, std::uint64_t number) { mark(marks, number, number == first); });
+    return true;
+}
+
 }  // namespace
 
 bool edge_set::collect()
@@ -45,17 +92,14 @@ bool edge_set::collect()
         bounds.include(connect, element.nodes);
         entries += connect.cols * element.edges.size();
     });
-    face_groups<2> edges;
     if (entries > most_entries || !first_seen_.allocate(entries / 64 + 2, 0)) return false;
-    if (!edges.collect(bounds, entries, [&](auto enter) { enter_edges(meshes_, enter); })) return false;
 
+    // At most half a vertex an edge, so that the tables take no more than the lists; and numbers of 32 bits.
+    const bool dense = bounds.highest - bounds.lowest < entries / 2;
+    const auto mark_first = dense && entries < NONE_INDEX ? mark_first_by_counting : mark_first_by_grouping;
+    if (!mark_first(meshes_, bounds, entries, first_seen_)) return false;
     size_ = 0;
-    edges.for_each([&](std::uint64_t first, std::uint64_t, std::uint64_t number) {
-        if (number != first) return;
-        const std::uint64_t bit = std::uint64_t{1} << (number % 64);
-        size_ += (first_seen_[number / 64] & bit) == 0;
-        first_seen_[number / 64] |= bit;
-    });
+    for (const std::uint64_t word : first_seen_) size_ += static_cast<std::uint64_t>(std::popcount(word));
     return true;
 }
 

@@ -1,13 +1,11 @@
 #ifndef TESSOLV_TOPOLOGY_ELEMENT_TOPOLOGY_H
 #define TESSOLV_TOPOLOGY_ELEMENT_TOPOLOGY_H
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <type_traits>
-#include <utility>
 
 #include <tessolv/element_type.h>
 
@@ -99,19 +97,33 @@ constexpr auto edges_of(const unsigned int* nodes)
     return detail::rows_of<Element>(Element::edges, tria3::edges, nodes);
 }
 
+// Puts two entries in ascending order, without a branch: on shuffled meshes it would be mispredicted every other time.
+constexpr void put_in_order(unsigned int& a, unsigned int& b)
+{
+    const unsigned int less = a < b ? a : b;
+    b = a < b ? b : a;
+    a = less;
+}
+
 // Global numbers of the vertices in one row of a table, ascending.
 template <std::size_t Width>
 constexpr std::array<unsigned int, Width> sorted_vertices(const unsigned int* nodes,
                                                           const std::array<unsigned char, Width>& row)
 {
+    static_assert(Width <= 4);
     std::array<unsigned int, Width> v{};
     for (std::size_t i = 0; i < Width; ++i) v[i] = nodes[row[i]];
-    for (std::size_t last = Width; last-- > 1;)  // without a branch for the few vertices of a face
-        for (std::size_t i = 0; i < last; ++i) {
-            const unsigned int less = std::min(v[i], v[i + 1]);
-            v[i + 1] = std::max(v[i], v[i + 1]);
-            v[i] = less;
-        }
+    // The shortest sorting networks.
+    if constexpr (Width >= 2) put_in_order(v[0], v[1]);
+    if constexpr (Width == 3) {
+        put_in_order(v[1], v[2]);
+        put_in_order(v[0], v[1]);
+    } else if constexpr (Width == 4) {
+        put_in_order(v[2], v[3]);
+        put_in_order(v[0], v[2]);
+        put_in_order(v[1], v[3]);
+        put_in_order(v[1], v[2]);
+    }
     return v;
 }
 

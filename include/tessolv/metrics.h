@@ -30,9 +30,12 @@ TESSOLV_API void metric_iso_to_aniso2d(double h, const matrix_fixed<double, 3, 2
 TESSOLV_API void metric_aniso3d_to_aniso2d(const symmetric_fixed<double, 3>& M3, const matrix_fixed<double, 3, 2>& B,
                                            symmetric_fixed<double, 2>& M2);
 
-/// Eigenvalues in ascending order: roots of the characteristic polynomial in 2-D, LAPACK's DSPEV in 3-D.
-/// @param vectors  a copy, part of the interface: the caller's matrix stays as it is.
-/// @note In 2-D eigenvalues that are nearly equal are good to 1e-8 of their size only.
+/// Eigenvalues in ascending order.
+/// @param M             any symmetric tensor.
+/// @param[out] values   the eigenvalues.
+/// @param vectors       a copy, part of the interface: the caller's matrix stays as it is.
+/// @note In 2-D they are the roots of the characteristic polynomial: nearly equal ones are good to 1e-8 of their size
+///       only. In 3-D each is good to 1e-14 of the greatest.
 TESSOLV_API void eigen_pairs(const symmetric_fixed<double, 2>& M, vector_fixed<double, 2>& values,
                              matrix_fixed<double, 2, 2> vectors);
 /// The same in 3-D.
@@ -86,10 +89,12 @@ TESSOLV_API int overwrite_invalid_metrics(dense1D<float>& sizes, const dense1D<f
 /// Replaces columns that are no metric by the isotropic one of the default size of their node, where that is greater
 /// than 0.
 /// @param[in,out] metrics  3 or 6 rows; written in place: views and shared buffers see it.
+/// @param default_sizes    one for each node; entries beyond the shorter of the two fields play no part.
 /// @return 0, also for a field without entries; -1 rows; -199 memory, which is needed only when the two share a buffer.
 TESSOLV_API int overwrite_invalid_metrics(dense2D<float>& metrics, const dense1D<float>& default_sizes);
 
 /// The same with default metrics; a default that is no metric replaces nothing.
+/// @param[in,out] metrics  as above.
 /// @param default_metrics  as many rows as `metrics`.
 /// @return 0, also for a field without entries; -1 rows of `metrics`; -2 rows of `default_metrics`; -199 memory.
 TESSOLV_API int overwrite_invalid_metrics(dense2D<float>& metrics, const dense2D<float>& default_metrics);
@@ -102,6 +107,7 @@ TESSOLV_API int overwrite_invalid_metrics(dense2D<float>& metrics, const dense2D
 TESSOLV_API int metrics_aniso3d_to_aniso2d(const dense2D<float>& M3, const dense2D<double>& bases, dense2D<float>& M2);
 
 /// The metrics of isotropic sizes in a plane at each node: see metric_iso_to_aniso2d.
+/// @param sizes    one for each node; a size that is not greater than 0 gives a column of zeros.
 /// @param bases    6 x nodes, as above.
 /// @param[out] M2  3 x nodes, replaced; untouched on failure.
 /// @return 0; -2 rows or columns of `bases`; -199 memory.
@@ -109,6 +115,7 @@ TESSOLV_API int metrics_iso_to_aniso2d(const dense1D<float>& sizes, const dense2
 
 /// Appends the columns of B to A, in one field the nodes of two meshes.
 /// @param[in,out] A  takes the rows of B when it has none; untouched on failure. May be B.
+/// @param B          the rows of A, or no entries.
 /// @return 0; -3 rows of B, which are of no account when it has no entries; -199 memory.
 TESSOLV_API int append(dense2D<float>& A, const dense2D<float>& B);
 
@@ -124,6 +131,7 @@ TESSOLV_API int append(dense2D<float>& A, const dense2D<float>& B, const dense1D
 
 /// Appends the sizes of B to A.
 /// @param[in,out] A  untouched on failure. May be B.
+/// @param B          sizes of any number.
 /// @return 0; -199 memory.
 TESSOLV_API int append(dense1D<float>& A, const dense1D<float>& B);
 

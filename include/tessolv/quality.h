@@ -16,7 +16,7 @@ namespace tessolv {
 /// are the equilateral triangle, the square, the regular tetrahedron (which scores 0.9999999999987, its mirror image
 /// the negative), the pyramid and the wedge of equal edges, the cube. An inverted hexahedron can fall below -1, by its
 /// size: corners of no positive volume are not divided by the lengths of their edges. A tetrahedron is positive when
-/// its nodes 0, 1, 2 turn clockwise seen from node 3. A degenerate element is no error and scores 0.
+/// its nodes 0, 1, 2 turn clockwise seen from node 3. Zero lengths, areas and volumes are no error.
 ///
 /// | type                         | rows | measure                                                   |
 /// |------------------------------|------|-----------------------------------------------------------|
@@ -45,6 +45,8 @@ TESSOLV_API int shape_qualities(const dense2D<double>& pos, const dense2D<unsign
 
 /// The same for the matrices of [first, last), one after the other. Matrices without entries are passed over, whatever
 /// their type; one that has columns but no rows still counts in the size of `qualities`, with zeros at its end.
+/// @param pos             as above.
+/// @param first,last      range of matrices, each as `connect` above.
 /// @param types           element_type of each matrix.
 /// @param[out] qualities  one value per column of all matrices, replaced; owns its buffer. Size 0 on failure.
 /// @return 0; -3 last before first; -4 size of `types`; then, of the first matrix that cannot be measured, -3 its type
@@ -91,7 +93,11 @@ TESSOLV_API int edge_qualities(const dense2D<double>& pos, const dense2D<unsigne
 
 /// The same for the distinct edges of all the matrices of [first, last) together: an edge that two of them share is
 /// measured once. All matrices are checked before the first edge is measured.
-/// @param types  element_type of each matrix.
+/// @param pos         as above.
+/// @param first,last  range of matrices, each as `connect` above.
+/// @param types       element_type of each matrix.
+/// @param sizes       as above.
+/// @param h           as above.
 /// @return 0, also for an empty range whatever `types`; -4 size of `types`, or last before first; -2 indices or rows
 ///         of a matrix; -199 as above.
 TESSOLV_API int edge_qualities(const dense2D<double>& pos, const dense2D<unsigned int>* first,

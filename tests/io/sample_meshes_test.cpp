@@ -5,8 +5,8 @@
 #include <fstream>
 #include <map>
 #include <optional>
-#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -63,19 +63,36 @@ std::size_t files_of_extension(const std::string& extension)
     return count;
 }
 
-// The number that stands in the text where the pattern has its group.
-std::optional<long> number_in(const std::string& text, const std::string& pattern)
+// The number that stands in the text behind the words, or before them.
+std::optional<long> number_behind(const std::string& text, const std::string& words)
 {
-    std::smatch match;
-    if (!std::regex_search(text, match, std::regex(pattern))) return std::nullopt;
-    return std::stol(match[1]);
+    const std::size_t found = text.find(words);
+    if (found == std::string::npos) return std::nullopt;
+    return std::stol(text.substr(found + words.size()));
 }
 
-void expect_count(const sample& s, const std::string& pattern, std::uint64_t found)
+std::optional<long> number_before(const std::string& text, const std::string& words)
 {
-    if (const auto expected = number_in(s.expected, pattern)) {
-        EXPECT_EQ(static_cast<long>(found), *expected) << pattern;
+    const std::size_t found = text.find(words);
+    if (found == std::string::npos || found == 0) return std::nullopt;
+    return std::stol(text.substr(text.find_last_not_of("0123456789", found - 1) + 1));
+}
+
+void expect_count(std::optional<long> expected, std::uint64_t found, const char* what)
+{
+    if (expected) {
+        EXPECT_EQ(static_cast<long>(found), *expected) << what;
     }
+}
+
+void expect_behind(const sample& s, const char* words, std::uint64_t found)
+{
+    expect_count(number_behind(s.expected, words), found, words);
+}
+
+void expect_before(const sample& s, const char* words, std::uint64_t found)
+{
+    expect_count(number_before(s.expected, words), found, words);
 }
 
 struct edge_counts {
@@ -109,10 +126,10 @@ edge_counts count_edges(const std::vector<const dense2D<unsigned>*>& meshes)
 void expect_edges(const sample& s, const std::vector<const dense2D<unsigned>*>& meshes)
 {
     const edge_counts found = count_edges(meshes);
-    expect_count(s, "edges ([0-9]+), free", found.edges);
-    expect_count(s, ", free ([0-9]+),", found.free);
-    expect_count(s, ">2 [a-z]+ ([0-9]+),", found.crowded);
-    expect_count(s, "duplicate [a-z]+ ([0-9]+)", found.duplicates);
+    expect_behind(s, "edges ", found.edges);
+    expect_behind(s, ", free ", found.free);
+    for (const char* words : {">2 triangles ", ">2 faces "}) expect_behind(s, words, found.crowded);
+    for (const char* words : {"duplicate triangles ", "duplicate faces "}) expect_behind(s, words, found.duplicates);
 }
 
 // Positions that differ, and pairs of them within the distance.
@@ -126,8 +143,8 @@ void expect_near_pairs(const sample& s, const stl_model& model)
             const double dx = (*b)[0] - (*a)[0], dy = (*b)[1] - (*a)[1], dz = (*b)[2] - (*a)[2];
             near += std::sqrt(dx * dx + dy * dy + dz * dz) <= tolerance;
         }
-    expect_count(s, "([0-9]+) distinct positions", distinct.size());
-    expect_count(s, "([0-9]+) near pairs", near);
+    expect_before(s, " distinct positions", distinct.size());
+    expect_before(s, " near pairs", near);
 }
 
 void check_stl(const sample& s)
@@ -135,8 +152,8 @@ void check_stl(const sample& s)
     const bool ascii = s.format.find("ascii") != std::string::npos;
     const std::string name = folder + "/" + s.file;
     const stl_mesh m = read_stl_file(name.c_str(), ascii);
-    expect_count(s, "result (-?[0-9]+)", static_cast<std::uint64_t>(m.code));
-    expect_count(s, "nodes ([0-9]+)", m.pos.cols);
+    expect_behind(s, "result ", static_cast<std::uint64_t>(m.code));
+    expect_behind(s, "nodes ", m.pos.cols);
     EXPECT_EQ(static_cast<std::uint64_t>(m.code), m.connect.cols);
     expect_edges(s, {&m.connect});
 
@@ -145,7 +162,7 @@ void check_stl(const sample& s)
     ASSERT_NE(f, nullptr);
     EXPECT_EQ(ascii ? model.read_text(f) : model.read_binary(f), 0);
     std::fclose(f);
-    expect_count(s, "facets read ([0-9]+)", model.facets());
+    expect_behind(s, "facets read ", model.facets());
     expect_near_pairs(s, model);
     EXPECT_TRUE(m == model.welded());
 }
@@ -174,15 +191,15 @@ void check_obj(const sample& s)
 {
     const std::string name = folder + "/" + s.file;
     const obj_mesh m = read_file(name.c_str());
-    expect_count(s, "code (-?[0-9]+)", static_cast<std::uint64_t>(m.code));
-    expect_count(s, "v ([0-9]+)", m.pos.cols);
-    expect_count(s, "vn ([0-9]+)", m.normals.cols);
-    expect_count(s, "vt ([0-9]+)", m.uvs.cols);
-    expect_count(s, "tria ([0-9]+)", m.trias.cols);
-    expect_count(s, "quad ([0-9]+)", m.quads.cols);
-    expect_count(s, "uvs rows ([0-9]+)", m.uvs.rows);
-    if (m.code == 0) expect_count(s, "([0-9]+) faces skipped", face_lines(name) - m.trias.cols - m.quads.cols);
-    expect_count(s, "([0-9]+) corner numbers name no node", corners_without_node(m));
+    expect_behind(s, "code ", static_cast<std::uint64_t>(m.code));
+    expect_behind(s, "v ", m.pos.cols);
+    expect_behind(s, "vn ", m.normals.cols);
+    expect_behind(s, "vt ", m.uvs.cols);
+    expect_behind(s, "tria ", m.trias.cols);
+    expect_behind(s, "quad ", m.quads.cols);
+    expect_behind(s, "uvs rows ", m.uvs.rows);
+    if (m.code == 0) expect_before(s, " faces skipped", face_lines(name) - m.trias.cols - m.quads.cols);
+    expect_before(s, " corner numbers name no node", corners_without_node(m));
     if (s.expected.find("every corner names a node") != std::string::npos) {
         EXPECT_EQ(corners_without_node(m), 0U);
     }
@@ -200,7 +217,7 @@ void check_all(const char* kind, const char* extension, void (*check)(const samp
     EXPECT_EQ(all.size(), files_of_extension(extension)) << "every file has a row";
     for (const sample& s : all) {
         SCOPED_TRACE(s.file + ": " + s.expected);
-        ASSERT_TRUE(number_in(s.expected, "(?:result|code) (-?[0-9]+)")) << "a row without numbers";
+        ASSERT_TRUE(number_behind(s.expected, "result ") || number_behind(s.expected, "code ")) << "no numbers";
         check(s);
     }
 }

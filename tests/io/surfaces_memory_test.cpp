@@ -30,20 +30,53 @@ TEST(STLInput, GivesItsCodeAndEmptyOutputsWithoutMemory)
 {
     for (const bool ascii : {true, false}) {
         const temporary_file file(stl_bytes(cube_facets(1), ascii));
+        const stl_mesh whole = read_stl_file(file.name(), ascii);
+        ASSERT_EQ(whole.code, 12);
         const std::ptrdiff_t before = open_files();
+        int refused = 0;
         for_each_failure([&](attempt& run) {
-            dense2D<double> pos = points({{1, 2}});
-            dense2D<unsigned> connect = columns({{5, 6}});
-            const int code = run([&] { return STL_input(file.name(), pos, connect, ascii); });
-            EXPECT_EQ(code, run.failed() ? -199 : 12);
-            if (run.failed()) {
-                EXPECT_TRUE(is_empty(pos) && is_empty(connect));
+            stl_mesh m{77, points({{1, 2}}), columns({{5, 6}})};
+            m.code = run([&] { return STL_input(file.name(), m.pos, m.connect, ascii); });
+            if (m.code == -199) {
+                ++refused;
+                EXPECT_TRUE(run.failed() && is_empty(m.pos) && is_empty(m.connect));
             } else {
-                EXPECT_EQ(pos.cols, 8U);
+                EXPECT_EQ(m, whole) << "what gets around a refusal gives the same";
             }
         });
+        EXPECT_GT(refused, 10);
         EXPECT_EQ(open_files(), before);
     }
+}
+
+TEST(STLInput, TakesMemoryForWhatTheFileHoldsNotForItsCount)
+{
+    const temporary_file file(stl_binary(cube_facets(1), 0xFFFFFFFF));
+    dense2D<double> pos;
+    dense2D<unsigned> connect;
+    const failing_memory watch(0, false);
+    EXPECT_EQ(STL_input(file.name(), pos, connect, false), 12);
+    EXPECT_LT(watch.largest_request(), 1000000U);
+}
+
+TEST(WavefrontOBJInput, HoldsNoLineInMemory)
+{
+    const temporary_file file("v 1 1 1\n#" + std::string(5000000, 'x') + "\nf" + std::string(5000000, ' ') + "1 1 1");
+    obj_mesh m;
+    const failing_memory watch(0, false);
+    EXPECT_EQ(WavefrontOBJ_input(file.name(), m.pos, m.normals, m.uvs, m.trias, m.quads), 0);
+    EXPECT_EQ(m.trias.cols, 1U);
+    EXPECT_LT(watch.largest_request(), 1000000U);
+}
+
+TEST(STLInput, HoldsNoLineInMemory)
+{
+    const temporary_file file("solid\n facet normal 0 0 1\n x\nvertex " + std::string(5000000, '0') + "1 0 0\n");
+    stl_mesh m;
+    const failing_memory watch(0, false);
+    EXPECT_EQ(STL_input(file.name(), m.pos, m.connect, true), 0);
+    EXPECT_EQ(m.pos.cols, 1U);
+    EXPECT_LT(watch.largest_request(), 1000000U);
 }
 
 TEST(STLInput, ReadsALargeFileWhenOnlyItsForesightIsRefused)

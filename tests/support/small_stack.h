@@ -5,16 +5,24 @@
 
 #include <pthread.h>
 
+#include <cstddef>
+
 namespace test {
 
-// Runs a function in a thread whose stack has 64 KiB: recursion as deep as the data would not survive.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t small_stack = 512 * 1024;  // frames are several times as large
+#else
+constexpr std::size_t small_stack = 64 * 1024;
+#endif
+
+// Runs a function in a thread with a small stack: recursion as deep as the data would not survive.
 template <class Function>
 void run_on_small_stack(Function function)
 {
     pthread_attr_t attributes;
     pthread_t thread;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, small_stack), 0);
     const auto call = [](void* f) -> void* {
         (*static_cast<Function*>(f))();
         return nullptr;

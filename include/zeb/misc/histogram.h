@@ -41,7 +41,7 @@ public:
     unsigned long not_a_number() const;  ///< NaN
 
 private:
-    void add(double value);
+    [[gnu::visibility("hidden")]] void add(double value);
 
     double lower_;
     double upper_;
