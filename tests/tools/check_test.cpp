@@ -32,7 +32,6 @@ using test::binary_stl;
 using test::book;
 using test::facet;
 using test::O;
-using test::run_options;
 using test::run_result;
 using test::temporary_folder;
 using test::tessolv;
@@ -229,9 +228,10 @@ TEST(Check, CountsTheFacetsThatTheLibraryReadsFromDamagedTexts)
     const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
     const std::string bytes = " \n\r\tfacetnormlvx0.e+-NFI";
     const std::string flat = replaced(text_facet({O, O, O}), "normal 0 0 1", "normal 0 0 0");
+    const std::string whole = "solid a\n" + flat + flat + flat + "endsolid a\n";
     strings files;
     for (int file = 0; file < 2000; ++file) {
-        std::string text = "solid a\n" + flat + flat + flat + "endsolid a\n";
+        std::string text = whole;
         for (std::size_t k = 0, n = 1 + below(3); k < n; ++k) {
             const std::size_t at = below(text.size());
             switch (below(3)) {
@@ -648,7 +648,8 @@ TEST(CheckStatus, IsThreeForWhatCannotBeReadAndSaysWhy)
         const run_result result = tessolv({"check", path});
         EXPECT_EQ(result.status, 3) << path;
         EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err.find("tessolv: " + path + ": " + reason), 0u) << result.err;
+        EXPECT_TRUE(result.err.starts_with(std::string("tessolv: ").append(path).append(": ").append(reason)))
+            << result.err;
     }
     EXPECT_EQ(tessolv({"check", ""}).status, 3);
     EXPECT_EQ(tessolv({"check", "--binary", folder.write("short.stl", "solid\n")}).status, 3);

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "tools/stl_files.h"
@@ -14,9 +15,8 @@ namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& texts)
 {
-    std::vector<char*> all;
-    for (std::string& text : texts) all.push_back(text.data());
-    all.push_back(nullptr);
+    std::vector<char*> all(texts.size() + 1, nullptr);
+    std::ranges::transform(texts, all.begin(), [](std::string& text) { return text.data(); });
     return all;
 }
 

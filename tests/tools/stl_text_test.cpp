@@ -30,14 +30,17 @@ unsigned long facets_by_the_runtime(const std::string& text)
     char line[256];
     double x = 0, y = 0, z = 0;
     unsigned long facets = 0;
-    const auto skip_line = [&] { return std::fgets(line, sizeof line, f) != nullptr; };
+    const auto skip_lines = [&](int count) {
+        while (count > 0 && std::fgets(line, sizeof line, f) != nullptr) --count;
+        return count == 0;
+    };
     const auto whole_facet = [&] {
-        if (std::fscanf(f, "   facet normal %lg %lg %lg\n", &x, &y, &z) != 3 || !skip_line()) return false;
+        if (std::fscanf(f, "   facet normal %lg %lg %lg\n", &x, &y, &z) != 3 || !skip_lines(1)) return false;
         for (int corner = 0; corner < 3; ++corner)
             if (std::fscanf(f, "      vertex %lg %lg %lg\n", &x, &y, &z) != 3) return false;
-        return skip_line() && skip_line();
+        return skip_lines(2);
     };
-    if (skip_line())
+    if (skip_lines(1))
         while (whole_facet()) ++facets;
     std::fclose(f);
     return facets;
@@ -122,7 +125,8 @@ TEST(ScanText, TakesTheNumbersThatTheRuntimeTakes)
         std::string number;
         for (unsigned long left = code, k = 0; k < 5; ++k, left /= letters.size())
             number += letters[left % letters.size()];
-        const std::string text = begin + number + rest;
+        std::string text = begin;
+        text.append(number).append(rest);
         const unsigned long expected = facets_by_the_runtime(text);
         ASSERT_EQ(scan(text).facets, expected) << '"' << number << '"';
         accepted += expected;
