@@ -16,6 +16,10 @@ if(TESSOLV_SANITIZE)
   target_link_options(tessolv_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(TESSOLV_BUILD_FUZZERS)
+  target_compile_options(tessolv_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 if(TESSOLV_COVERAGE)
   target_compile_options(tessolv_options INTERFACE --coverage)
   target_link_options(tessolv_options INTERFACE --coverage)

@@ -7,11 +7,20 @@ namespace {
 
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
-// Bin of a value within [lower, upper]; the upper bound belongs to the last bin, and rounding cannot leave the range.
+// Bin of a value within [lower, upper]. The quotient may be off by one at the edge of a bin, so the edges decide; the
+// upper bound belongs to the last bin.
 std::uint64_t bin_of(double value, double lower, double upper, std::uint64_t bins)
 {
-    const double place = (value - lower) / (upper - lower) * static_cast<double>(bins);
-    return place >= 0 ? std::min(static_cast<std::uint64_t>(std::min(place, 4294967295.0)), bins - 1) : 0;
+    const double width = upper - lower;
+    const auto edge = [&](std::uint64_t k) {
+        return lower + width * static_cast<double>(k) / static_cast<double>(bins);
+    };
+    const double place = (value - lower) / width * static_cast<double>(bins);
+    const double last = static_cast<double>(bins - 1);
+    auto k = static_cast<std::uint64_t>(place >= last ? last : place >= 0 ? place : 0);
+    if (k > 0 && value < edge(k)) --k;
+    if (k + 1 < bins && value >= edge(k + 1)) ++k;
+    return k;
 }
 
 }  // namespace
@@ -35,7 +44,8 @@ void histogram::process(const dense1D<double>& values)
     for (const double value : values) add(value);
 }
 
-// The mean and the squared deviations are updated value by value: B. P. Welford, Technometrics 4(3), 1962.
+// The squared deviations follow the running mean value by value: B. P. Welford, Technometrics 4(3), 1962. The mean that
+// is told comes from the plain sum, which an infinity leaves infinite where the running mean would become no number.
 void histogram::add(double value)
 {
     if (std::isnan(value)) {
@@ -45,9 +55,10 @@ void histogram::add(double value)
     ++count_;
     minimum_ = count_ == 1 ? value : std::min(minimum_, value);
     maximum_ = count_ == 1 ? value : std::max(maximum_, value);
-    const double deviation = value - mean_;
-    mean_ += deviation / static_cast<double>(count_);
-    squares_ += deviation * (value - mean_);
+    sum_ += value;
+    const double deviation = value - running_mean_;
+    running_mean_ += deviation / static_cast<double>(count_);
+    squares_ += deviation * (value - running_mean_);
 
     if (value < lower_) {
         ++below_;
@@ -73,7 +84,7 @@ double histogram::maximum() const
 }
 double histogram::mean() const
 {
-    return count_ != 0 ? mean_ : none;
+    return count_ != 0 ? sum_ / static_cast<double>(count_) : none;
 }
 double histogram::standard_deviation() const
 {

@@ -9,6 +9,8 @@
 
 #include <zeb/dense_buffer.h>
 
+#include "core/large_pages.h"
+
 namespace zeb::tessolv {
 
 // Working storage of one call: n values of a trivial type, not initialised, so that nothing is written twice. Freed
@@ -40,6 +42,7 @@ public:
             if (n > std::numeric_limits<std::size_t>::max() / sizeof(T)) return false;
             values_ = reinterpret_cast<T*>(__vector_num_alloc(n * sizeof(T)));
             if (values_ == nullptr) return false;
+            prefer_large_pages(values_, n * sizeof(T));
             capacity_ = n;
         }
         size_ = n;

@@ -43,6 +43,9 @@ public:
         return slots_[i];
     }
 
+    const unsigned int* begin() const { return slots_.begin(); }
+    const unsigned int* end() const { return slots_.end(); }
+
 private:
     scratch<unsigned int> slots_;
     std::uint64_t mask_ = 0;

@@ -1,7 +1,9 @@
 #ifndef TESSOLV_EDITING_INDEX_SET_H
 #define TESSOLV_EDITING_INDEX_SET_H
 
+#include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include <tessolv/element_type.h>
 
@@ -11,59 +13,120 @@
 // Sets of node numbers that live for one call. Both kinds answer insert(i): whether i is new. NONE_INDEX never is.
 namespace zeb::tessolv {
 
-// One bit per index below a bound.
+// The indices from `first` up to, but not including, `bound`.
+struct index_interval {
+    unsigned int first = NONE_INDEX;
+    unsigned int bound = 0;
+
+    std::uint64_t length() const { return first < bound ? bound - first : 0; }
+
+    // Widens the interval to hold all indices but NONE_INDEX.
+    void include(const unsigned int* indices, std::uint64_t count)
+    {
+        unsigned int least = first;
+        unsigned int end = bound;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            least = std::min(least, indices[i]);
+            end = std::max(end, indices[i] + 1u);  // NONE_INDEX + 1 is 0
+        }
+        first = least;
+        bound = end;
+    }
+};
+
+// One bit per index of an interval.
 class index_bits {
 public:
-    [[nodiscard]] bool allocate(std::uint64_t bound)
+    [[nodiscard]] bool allocate(const index_interval& interval)
     {
-        bound_ = bound;
-        return words_.allocate(bound / 64 + 1, 0);
+        first_ = interval.first;
+        length_ = interval.length();
+        return words_.allocate(length_ / 64 + 1, 0);
     }
 
-    // Indices from the bound on are never new.
+    // Indices outside of the interval are never new. A member is not written again: walks meet one index many times
+    // over, and each would wait for the store of the one before.
     bool insert(unsigned int i)
     {
-        if (i >= bound_) return false;
-        const std::uint64_t bit = std::uint64_t{1} << (i % 64);
-        const bool is_new = (words_[i / 64] & bit) == 0;
-        words_[i / 64] |= bit;
-        return is_new;
+        const unsigned int place = i - first_;
+        if (place >= length_) return false;
+        const std::uint64_t bit = std::uint64_t{1} << (place % 64);
+        if ((words_[place / 64] & bit) != 0) return false;
+        words_[place / 64] |= bit;
+        return true;
     }
+
+    bool is_complete() const { return true; }
 
 private:
     scratch<std::uint64_t> words_;
-    std::uint64_t bound_ = 0;
+    unsigned int first_ = 0;
+    std::uint64_t length_ = 0;
 };
 
-// A hash set: for a few large indices, where storage must go by their number.
+// A hash set: for indices far apart, where storage must go by their number.
 class index_hash {
 public:
-    [[nodiscard]] bool allocate(std::uint64_t count) { return slots_.allocate(count); }
+    [[nodiscard]] bool allocate(std::uint64_t room)
+    {
+        room_ = std::max<std::uint64_t>(room, 8);
+        return slots_.allocate(room_);
+    }
 
     bool insert(unsigned int i)
     {
         if (i == NONE_INDEX) return false;
-        unsigned int& slot = slots_.find(mixed(i), [i](unsigned int member) { return member == i; });
-        const bool is_new = slot == NONE_INDEX;
-        slot = i;
-        return is_new;
+        unsigned int* slot = &slot_of(slots_, i);
+        if (*slot == i) return false;
+        if (members_ == room_) {
+            if (!grow()) return false;
+            slot = &slot_of(slots_, i);
+        }
+        *slot = i;
+        ++members_;
+        return true;
     }
 
+    // Whether there was memory for every index that was inserted.
+    bool is_complete() const { return is_complete_; }
+
 private:
+    static unsigned int& slot_of(hash_slots& slots, unsigned int i)
+    {
+        return slots.find(mixed(i), [i](unsigned int member) { return member == i; });
+    }
+
+    bool grow()
+    {
+        hash_slots larger;
+        if (!larger.allocate(4 * room_)) return is_complete_ = false;
+        for (const unsigned int i : slots_)
+            if (i != NONE_INDEX) slot_of(larger, i) = i;
+        std::swap(slots_, larger);
+        room_ *= 4;
+        return true;
+    }
+
     hash_slots slots_;
+    std::uint64_t room_ = 0;
+    std::uint64_t members_ = 0;
+    bool is_complete_ = true;
 };
 
-// Calls walk(set) with an empty set for the indices below `bound`, of which at most `count` are inserted. The kind of
-// the set follows from the two: bits while they take no more room than the entries themselves. False without memory.
+// Calls walk(set) with an empty set for the indices of an interval, of which at most `count` are inserted. The kind of
+// the set follows from the two: bits while they take no more room than the entries themselves. False without memory;
+// what the walk has found is then worthless.
 template <class Walk>
-[[nodiscard]] bool with_index_set(std::uint64_t bound, std::uint64_t count, Walk walk)
+[[nodiscard]] bool with_index_set(const index_interval& interval, std::uint64_t count, Walk walk)
 {
-    const auto run = [&](auto set, std::uint64_t size) {
+    const auto run = [&](auto set, const auto& size) {
         if (!set.allocate(size)) return false;
         walk(set);
-        return true;
+        return set.is_complete();
     };
-    return bound / 32 <= count + 1024 ? run(index_bits(), bound) : run(index_hash(), count);
+    constexpr std::uint64_t first_room = 1024;  // a hash set grows with its members: meshes name each node many times
+    return interval.length() / 32 <= count + first_room ? run(index_bits(), interval)
+                                                        : run(index_hash(), std::min(count, first_room));
 }
 
 }  // namespace zeb::tessolv

@@ -80,11 +80,8 @@ bool any_shared(const matrix_range<dense2D<unsigned int>>& meshes, scratch<memor
 {
     std::transform(meshes.begin(), meshes.end(), spans.begin(), [](const auto& m) { return span_of(m); });
     std::sort(spans.begin(), spans.end(), [](const auto& a, const auto& b) { return std::less<>()(a.first, b.first); });
-    for (std::size_t k = 1; k < spans.size(); ++k) {
-        if (spans[k].meets(spans[k - 1])) return true;
-        if (std::less<>()(spans[k].last, spans[k - 1].last)) spans[k] = spans[k - 1];
-    }
-    return false;
+    const auto meet = [](const auto& a, const auto& b) { return a.meets(b); };
+    return std::adjacent_find(spans.begin(), spans.end(), meet) != spans.end();
 }
 
 // Copies are mapped and written back: an entry that several matrices see gets the same value from each.

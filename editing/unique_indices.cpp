@@ -31,25 +31,22 @@ template <class Source>
 bool collect_unique(const Source& source, const dense1D<unsigned int>& exclude, scratch<unsigned int>& unique)
 {
     std::uint64_t count = 0;
-    unsigned int bound = 0;
+    index_interval interval;
     visit_runs(source, [&](const unsigned int* run, std::uint64_t n) {
         count += n;
-        for (std::uint64_t i = 0; i < n; ++i) bound = std::max(bound, run[i] + 1u);  // NONE_INDEX + 1 is 0
+        interval.include(run, n);
     });
     unique.clear();
-    if (bound == 0) return true;
-    // One entry more than there can be: each index is written and stays if it is new, which spares the branch.
-    if (!unique.allocate(std::min<std::uint64_t>(bound, count) + 1)) return false;
-    return with_index_set(bound, count + exclude.size, [&](auto& set) {
+    if (interval.length() == 0) return true;
+    if (!unique.allocate(std::min(interval.length(), count))) return false;
+    return with_index_set(interval, count + exclude.size, [&](auto& set) {
         visit_runs(exclude, [&](const unsigned int* run, std::uint64_t n) {
             for (std::uint64_t i = 0; i < n; ++i) set.insert(run[i]);
         });
         unsigned int* end = unique.begin();
         visit_runs(source, [&](const unsigned int* run, std::uint64_t n) {
-            for (std::uint64_t i = 0; i < n; ++i) {
-                *end = run[i];
-                end += set.insert(run[i]);
-            }
+            for (std::uint64_t i = 0; i < n; ++i)
+                if (set.insert(run[i])) *end++ = run[i];
         });
         unique.truncate(static_cast<std::size_t>(end - unique.begin()));
     });

@@ -9,12 +9,13 @@
 #include <string_view>
 #include <utility>
 
+#include "core/return_codes.h"
 #include "core/scratch.h"
 
 namespace zeb::tessolv {
 
 // Bytes that are handed to a stream, or taken from it, at a time.
-constexpr std::size_t file_block = 256 * 1024;
+constexpr std::size_t file_block = 262144;  // 256 KiB
 
 // A C stream that the library opened itself; closed with the object, so on every return. It has no buffer of its own:
 // whoever reads or writes it does so in blocks.
@@ -107,6 +108,13 @@ private:
     char* at_ = nullptr;
     bool failed_ = false;
 };
+
+// The end of a writer: hands over what is left and closes the file, whose name is the first argument of every writer.
+inline int finish(block_writer& out, c_file& file)
+{
+    const bool written = out.finish();
+    return file.close() && written ? success : bad_argument(1);
+}
 
 }  // namespace zeb::tessolv
 

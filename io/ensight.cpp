@@ -117,8 +117,7 @@ int ensight_output(const char* filename, const dense2D<double>& pos, const dense
     put_coordinates(out, pos);
     for (std::size_t k = 0; k < mesh.length(); ++k)
         if (first[k].rows * first[k].cols != 0) put_part(out, first[k], mesh.type_of(k), k + 1);
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 int ensight_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,

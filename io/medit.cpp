@@ -104,8 +104,7 @@ int write_mesh(const char* filename, const dense2D<double>& pos, const reference
     put_vertices(out, pos);
     put_sections(out, mesh);
     out.put("End\n");
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 // Columns whose reference is not NONE_INDEX, by reference and then by column: a counting sort with one counter per
@@ -216,8 +215,7 @@ int medit_tensor(const char* filename, const dense2D<float>& M)
         *at++ = '\n';
         out.advance(at);
     }
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 }  // namespace zeb::tessolv

@@ -10,8 +10,8 @@
 namespace zeb::tessolv {
 namespace {
 
-// Exponents beyond this stay what they are, far out of range, whatever digits a file of possible length has.
-constexpr std::int64_t most_exponent = std::int64_t{1} << 60;
+// A larger exponent counts as this one: it is out of range whatever digits a file of possible length has.
+constexpr std::int64_t most_exponent = 100'000'000'000'000'000;
 
 constexpr char lower(char c)
 {

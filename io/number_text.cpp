@@ -77,7 +77,8 @@ constexpr std::array<double, 32> decades = {1e-22, 1e-21, 1e-20, 1e-19, 1e-18, 1
 
 constexpr double decade(int k)
 {
-    return decades[static_cast<std::size_t>(k + decade_offset)];
+    const int place = k + decade_offset;
+    return decades[static_cast<std::size_t>(place)];
 }
 
 // The texts d.ddde+xx. A value of decimal exponent x becomes the integer value * 10^(Decimals - x), which is exact in
@@ -139,7 +140,7 @@ char* put_fixed(char* to, double value)
             millionths = 0;
             ++whole;
         }
-    } else if (parts.shift <= 74) {
+    } else if (parts.shift <= 73) {
         // 10^6 m has 73 bits: shifted further it is less than a half.
         millionths = rounded(uint128{parts.m} * 1000000, parts.shift);
     }

@@ -39,7 +39,10 @@ inline constexpr auto digit_pairs = [] {
 template <int Count>
 char* put_digits(char* to, std::uint32_t n)
 {
-    for (int i = Count - 2; i >= 0; i -= 2, n /= 100) std::memcpy(to + i, &digit_pairs[2 * (n % 100)], 2);
+    for (int i = Count - 2; i >= 0; i -= 2, n /= 100) {
+        const std::size_t pair = n % 100;
+        std::memcpy(to + i, &digit_pairs[2 * pair], 2);
+    }
     if (Count % 2 != 0) *to = static_cast<char>('0' + n);
     return to + Count;
 }

@@ -1,46 +1,16 @@
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstring>
-#include <limits>
 
-#include <tessolv/editing.h>
 #include <tessolv/io.h>
-#include <tessolv/spatial.h>
 
-#include "core/columns.h"
 #include "core/return_codes.h"
 #include "io/block_reader.h"
-#include "io/growing_columns.h"
+#include "io/facet_soup.h"
 #include "io/number_scan.h"
 
 namespace zeb::tessolv {
 namespace {
-
-// What a file holds before the weld: facets that share no node. A facet that the file breaks off in leaves nodes that
-// no triangle names.
-struct facet_soup {
-    dense2D<double> pos;
-    dense2D<unsigned int> connect;
-
-    // Provides room for so many facets at once. What a large file is long enough for costs less so than by doubling.
-    [[nodiscard]] bool reserve(std::uint64_t facets)
-    {
-        return facets == 0 || (reserve_columns(pos, 3, 3 * facets) && reserve_columns(connect, 3, facets));
-    }
-
-    [[nodiscard]] bool add_corner(const double* corner)
-    {
-        return pos.cols < NONE_INDEX && append_column(pos, corner, 3);
-    }
-
-    [[nodiscard]] bool add_facet_of_last_corners()
-    {
-        const auto first = static_cast<unsigned int>(pos.cols - 3);
-        const unsigned int nodes[] = {first, first + 1, first + 2};
-        return append_column(connect, nodes, 3);
-    }
-};
 
 // -- text: each step takes exactly what fgets or fscanf would take in the C locale
 
@@ -139,65 +109,6 @@ int read_binary(block_reader& in, facet_soup& soup)
     return success;
 }
 
-// -- weld
-
-struct vector3 {
-    double x, y, z;
-};
-
-vector3 difference(const double* head, const double* tail)
-{
-    return {head[0] - tail[0], head[1] - tail[1], head[2] - tail[2]};
-}
-
-double length(const vector3& v)
-{
-    return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-}
-
-vector3 cross(const vector3& a, const vector3& b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-// Distance of P from the line through A and B, 0 if these coincide.
-double distance_to_line(const double* P, const double* A, const double* B)
-{
-    const vector3 edge = difference(B, A);
-    const double norm = length(edge);
-    if (norm == 0) return 0;
-    return length(cross({edge.x / norm, edge.y / norm, edge.z / norm}, difference(P, A)));
-}
-
-// The least height of a facet, without those of no height; the largest double if there is none.
-double least_height(const facet_soup& soup)
-{
-    double least = std::numeric_limits<double>::max();
-    for (std::uint64_t j = 0; j < soup.connect.cols; ++j) {
-        const double* P[] = {column(soup.pos, 3 * j), column(soup.pos, 3 * j + 1), column(soup.pos, 3 * j + 2)};
-        double height = distance_to_line(P[2], P[0], P[1]);
-        height = std::min(height, distance_to_line(P[0], P[1], P[2]));
-        height = std::min(height, distance_to_line(P[1], P[2], P[0]));
-        if (height > 0 && height < least) least = height;
-    }
-    return least;
-}
-
-constexpr double weld_fraction = 0.05;  // of the least height: no facet can fold onto itself
-
-// Makes one node of those that coincide and drops what is left over. Without any height every facet keeps its own
-// nodes.
-int weld(facet_soup& soup)
-{
-    const double height = least_height(soup);
-    if (!(height < std::numeric_limits<double>::max())) return success;
-    dense1D<unsigned int> new_IDs;
-    int code = merge(soup.pos, soup.connect, new_IDs, weld_fraction * height, 0);
-    if (code >= 0) code = remove_degenerated(soup.connect, new_IDs);
-    if (code >= 0) code = simplify(soup.pos, soup.connect);
-    return std::min(code, success);
-}
-
 int read_soup(const char* filename, bool ascii, facet_soup& soup)
 {
     block_reader in;
@@ -211,7 +122,7 @@ int STL_input(const char* filename, dense2D<double>& pos, dense2D<unsigned int>&
 {
     facet_soup soup;
     int code = read_soup(filename, ascii, soup);
-    if (code == success) code = weld(soup);
+    if (code == success) code = soup.weld();
     if (code != success) soup = facet_soup();
     pos.shallow_copy(soup.pos);
     connect.shallow_copy(soup.connect);

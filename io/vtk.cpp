@@ -250,8 +250,7 @@ int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<u
     if (!out.allocate()) return out_of_memory;
     put_points(out, pos);
     put_blocks(out, blocks);
-    const bool written = out.finish();
-    return file.close() && written ? success : bad_argument(1);
+    return finish(out, file);
 }
 
 int vtk_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,

@@ -114,7 +114,7 @@ private:
         return read.counts_back || read.node == 0 ? as_bound(known) : static_cast<unsigned int>(read.node - 1);
     }
 
-    // What an unreadable file broke off in the middle of a line is left out. Exhausted memory has no code of its own
+    // A line in which reading broke off is left out. Exhausted memory has no code of its own
     // here: part of the interface.
     template <class T>
     int append(dense2D<T>& m, const T* values, std::uint64_t rows)

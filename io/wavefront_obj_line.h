@@ -1,10 +1,10 @@
 #ifndef TESSOLV_IO_WAVEFRONT_OBJ_LINE_H
 #define TESSOLV_IO_WAVEFRONT_OBJ_LINE_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "io/number_scan.h"
 
@@ -30,11 +30,18 @@ bool at_line_end(Text& text)
     return c == '\n' || c == end_of_file;
 }
 
+// Passes over what is left of the line, but for its newline.
+template <class Text>
+void pass_rest(Text& text)
+{
+    text.pass_while([](char c) { return c != '\n'; });
+}
+
 // Goes to the beginning of the next line.
 template <class Text>
 void pass_line(Text& text)
 {
-    text.pass_while([](char c) { return c != '\n'; });
+    pass_rest(text);
     if (text.peek() == '\n') text.skip(1);
 }
 
@@ -59,13 +66,14 @@ keyword read_keyword(Text& text)
 }
 
 // Reads the numbers of the line up to the first word that is none, as many as there is room for, and gives their
-// count. The others become 0.
+// count. The others become 0. What follows them is passed over.
 template <class Text, std::size_t Room>
 std::size_t read_numbers(Text& text, std::array<double, Room>& numbers)
 {
     std::size_t count = 0;
     while (count < Room && !at_line_end(text) && read_number(text, number_rules::stream, numbers[count])) ++count;
     std::fill(numbers.begin() + count, numbers.end(), 0.0);
+    pass_rest(text);
     return count;
 }
 

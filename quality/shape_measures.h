@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "quality/points.h"
+#include "topology/element_topology.h"
 
 // The shape quality of an element as a function of its corners: 1 for the ideal element of its kind, 0 for a flat one,
 // negative for an inverted one. The order of every operation and the digits of every constant are part of the
@@ -209,9 +210,6 @@ inline lanes tetrahedron(const corners<3, 4>& p)
 
 // -- what pyramids, wedges and hexahedra are made of
 
-template <std::size_t Rows, std::size_t Width>
-using node_table = std::array<std::array<unsigned char, Width>, Rows>;
-
 // The edges of a kind of element and the number of each by its two ends, in either order.
 template <std::size_t Nodes, std::size_t Edges>
 struct edge_table {
@@ -220,16 +218,15 @@ struct edge_table {
 
     constexpr explicit edge_table(const node_table<Edges, 2>& list) : ends(list)
     {
-        for (unsigned char e = 0; e < Edges; ++e) {
-            number[list[e][0]][list[e][1]] = e;
-            number[list[e][1]][list[e][0]] = e;
+        for (std::size_t e = 0; e < Edges; ++e) {
+            const auto [a, b] = list[e];
+            number[a][b] = number[b][a] = static_cast<unsigned char>(e);
         }
     }
 };
 
-constexpr edge_table<6, 9> wedge_edges{{{{0, 3}, {1, 4}, {2, 5}, {1, 2}, {2, 0}, {0, 1}, {4, 5}, {5, 3}, {3, 4}}}};
-constexpr edge_table<8, 12> hexahedron_edges{
-    {{{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6}, {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}}}};
+constexpr edge_table<6, 9> wedge_edges(wedge6::edges);
+constexpr edge_table<8, 12> hexahedron_edges(hexa8::edges);
 
 // A symmetric function of two nodes, evaluated once per edge.
 template <std::size_t Nodes, std::size_t Edges>
@@ -362,12 +359,10 @@ inline lanes hexahedron_corners(const corners<3, 8>& p)
 
 inline lanes hexahedron_faces(const corners<3, 8>& p)
 {
-    constexpr node_table<6, 4> faces{
-        {{0, 3, 7, 4}, {1, 5, 6, 2}, {0, 4, 5, 1}, {3, 2, 6, 7}, {0, 1, 2, 3}, {7, 6, 5, 4}}};
     const outlook<8> view(mean(p), p);
     const edge_values products(hexahedron_edges, [&](std::size_t a, std::size_t b) { return view.product(a, b); });
     tally face;
-    for (const auto& nodes : faces)
+    for (const auto& nodes : hexa8::faces)
         face.add(fold_above(quadrangle_seen_from(view, nodes, products) * hexahedron_face_scale));
     return face.sum * one_sixth * face.least;
 }

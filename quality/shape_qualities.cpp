@@ -28,8 +28,7 @@ int check(const dense2D<double>& pos, const dense2D<unsigned int>& connect, int 
 {
     const element_type kind = measure_of(type);
     if (kind == EL_NONE) return bad_argument(3);
-    const element_type checked_as = kind == EL_FACE_MIX && connect.rows == 3 ? EL_TRIA3 : kind;
-    return check_IDs(connect, checked_as, as_bound(pos.cols)) ? success : bad_argument(2);
+    return check_IDs(connect, kind, as_bound(pos.cols)) ? success : bad_argument(2);
 }
 
 // The nodes of a coordinate matrix; rows that it does not have are 0.

@@ -21,7 +21,7 @@ std::string why_reading_stopped(const text_scan& scan)
         case scan_stop::end_of_file:
             return "the file ends in " + line;
         case scan_stop::cut_short:
-            return "the file is cut short within the facet of " + line;
+            return "the file is cut short within a facet, in " + line;
         case scan_stop::no_facet:
             return line + " is not 'facet normal' and three numbers";
         case scan_stop::no_vertex:

@@ -32,14 +32,14 @@ public:
 private:
     bool take_facet()
     {
-        skip_blanks();
+        in_.skip_blanks();
         scan_.line = in_.line();
         const bool begun = in_.peek() == 'f';
         if (!take_word("facet")) return stop(begun ? scan_stop::no_facet : why_no_facet());
         if (!take_separated_word("normal") || !take_triple()) return stop(scan_stop::no_facet);
         skip_line();
         for (int corner = 0; corner < 3; ++corner) {
-            skip_blanks();
+            in_.skip_blanks();
             scan_.line = in_.line();
             if (!take_word("vertex") || !take_triple()) return stop(scan_stop::no_vertex);
         }
@@ -81,11 +81,6 @@ private:
         return false;
     }
 
-    void skip_blanks()
-    {
-        while (is_blank(in_.peek())) in_.next();
-    }
-
     // As a word of a scan format: letter by letter, no blank needed behind it.
     bool take_word(std::string_view word)
     {
@@ -98,7 +93,7 @@ private:
 
     bool take_separated_word(std::string_view word)
     {
-        skip_blanks();
+        in_.skip_blanks();
         return take_word(word);
     }
 
@@ -106,10 +101,10 @@ private:
     bool take_triple()
     {
         for (int k = 0; k < 3; ++k) {
-            skip_blanks();
+            in_.skip_blanks();
             if (!take_number()) return false;
         }
-        skip_blanks();
+        in_.skip_blanks();
         return true;
     }
 

@@ -23,7 +23,7 @@ private:
     static constexpr std::uint64_t nowhere = ~std::uint64_t{0};
     static constexpr std::size_t longest = 11;  // "facetnormal", which the reader takes for two words
 
-    // False at the end of the file.
+    // Takes as much of the next word as matters, of numbers next to nothing. False at the end of the file.
     bool next_word()
     {
         int c = in_.next();
@@ -31,16 +31,16 @@ private:
         if (c == byte_source::end) return false;
         begin_ = in_.offset() - 1;
         letters_[0] = static_cast<char>(lower_case(c));
-        for (length_ = 1; !is_blank(in_.peek()) && in_.peek() != byte_source::end; ++length_) {
-            c = in_.next();
-            if (length_ < longest) letters_[length_] = static_cast<char>(lower_case(c));
-        }
+        const std::size_t wanted = c >= 'A' ? longest : 1;
+        for (length_ = 1; length_ < wanted && in_.peek() != byte_source::end && !is_blank(in_.peek()); ++length_)
+            letters_[length_] = static_cast<char>(lower_case(in_.next()));
+        in_.skip_word();
         return true;
     }
 
     void take_word()
     {
-        const std::string_view word(letters_, length_ < longest ? length_ : longest);
+        const std::string_view word(letters_, length_);
         if (first_of_line_) take_first_of_line(word);
         words_.facets += (word == "facet" && first_of_line_) || word == "facetnormal" ||
                          (after_inner_facet_ && word.starts_with("normal"));

@@ -14,6 +14,7 @@ from pathlib import Path
 
 HOLES = 6
 STEPS_PER_HOLE = 8  # of the arc that belongs to one bolt hole
+RADIAL_STEPS = 4    # between the bolt holes
 AROUND = HOLES * STEPS_PER_HOLE
 BOLT_CIRCLE, HOLE_RADIUS = 47.0, 5.5
 PLATE_BOTTOM, PLATE_TOP = 1.6, 14.0
@@ -73,26 +74,30 @@ def revolve(surface, section):
 
 
 def outline(hole, inner, outer, z):
-    """The piece of the plate around one bolt hole, counter-clockwise: two arcs and two radial lines."""
+    """The piece of the plate around one bolt hole, counter-clockwise: a radial line, an arc, a radial line, an arc."""
     first, last = hole * STEPS_PER_HOLE, (hole + 1) * STEPS_PER_HOLE
-    radial = 5
-    radii = [inner + (outer - inner) * k / radial for k in range(radial + 1)]
-    return ([on_circle(r, first, z) for r in radii[:-1]]
-            + [on_circle(outer, s, z) for s in range(first, last)]
-            + [on_circle(r, last, z) for r in radii[:0:-1]]
-            + [on_circle(inner, s, z) for s in range(last, first, -1)])
+    radii = [inner + (outer - inner) * k / RADIAL_STEPS for k in range(RADIAL_STEPS + 1)]
+    return [[on_circle(r, first, z) for r in radii[:-1]],
+            [on_circle(outer, s, z) for s in range(first, last)],
+            [on_circle(r, last, z) for r in radii[:0:-1]],
+            [on_circle(inner, s, z) for s in range(last, first, -1)]]
+
+
+def edge_of_hole(hole, z):
+    """The rim of one bolt hole with as many points as the outline has, a quarter of the circle for each of its lines."""
+    cx, cy, _ = on_circle(BOLT_CIRCLE, 2 * hole + 1, z, 2 * HOLES)
+    axis = 2 * math.pi * (2 * hole + 1) / (2 * HOLES)
+    angles = []
+    for quarter, steps in enumerate((RADIAL_STEPS, STEPS_PER_HOLE) * 2):
+        angles += [axis + math.pi * ((2 * quarter + 5) / 4 + k / (2 * steps)) for k in range(steps)]
+    return [(cx + HOLE_RADIUS * math.cos(a), cy + HOLE_RADIUS * math.sin(a), z) for a in angles]
 
 
 def rings_around_hole(hole, inner, outer, z):
-    """From the edge of the bolt hole to the outline, three rings of points."""
-    border = outline(hole, inner, outer, z)
-    cx, cy, _ = on_circle(BOLT_CIRCLE, 2 * hole + 1, z, 2 * HOLES)
-    edge = []
-    for x, y, _ in border:
-        distance = math.hypot(x - cx, y - cy)
-        edge.append((cx + HOLE_RADIUS * (x - cx) / distance, cy + HOLE_RADIUS * (y - cy) / distance, z))
-    middle = [tuple(e + 0.4 * (b - e) for e, b in zip(*pair)) for pair in zip(edge, border)]
-    return [edge, middle, border]
+    """From the rim of the bolt hole to the outline, rings of points."""
+    edge = edge_of_hole(hole, z)
+    border = [p for line in outline(hole, inner, outer, z) for p in line]
+    return [[tuple(e + share * (b - e) for e, b in zip(*pair)) for pair in zip(edge, border)] for share in (0, 0.4, 1)]
 
 
 def bands(surface, rings):
@@ -109,12 +114,10 @@ def flange():
     for section in (RAISED_FACE, RIM, HUB, END_AND_BORE):
         revolve(surface, section)
     for hole in range(HOLES):
-        top = rings_around_hole(hole, 35, 59, PLATE_TOP)
-        bottom = rings_around_hole(hole, 34, 59, PLATE_BOTTOM)
-        bands(surface, top)
-        bands(surface, bottom[::-1])
-        # The two faces begin at different radii, so their rings around the hole differ: the top one is drilled through.
-        bands(surface, [bottom[0], top[0]])
+        bands(surface, rings_around_hole(hole, 35, 59, PLATE_TOP))
+        bands(surface, rings_around_hole(hole, 34, 59, PLATE_BOTTOM)[::-1])
+        heights = [PLATE_BOTTOM + (PLATE_TOP - PLATE_BOTTOM) * k / 4 for k in range(5)]
+        bands(surface, [edge_of_hole(hole, z) for z in heights])
     return surface
 
 
@@ -140,7 +143,7 @@ def spoil(facets):
 
     # Two triangles meet in an edge that has a point too many, a fiftieth from its end: two good triangles and two
     # slivers, no fault but a bad shape.
-    first = nearest(spoilt, (30, -48, PLATE_TOP))
+    first = nearest(spoilt, (20, -18, 29))
     a, b, c = spoilt[first]
     second = next(f for f, facet in enumerate(spoilt) if a in facet and b in facet and f != first)
     d = next(corner for corner in spoilt[second] if corner not in (a, b))
@@ -153,7 +156,7 @@ def spoil(facets):
     spoilt.append([corner, corner, other])
 
     # A facet written twice: one duplicate, and three edges with three triangles.
-    spoilt.append(spoilt[nearest(spoilt, (25, 14, 38))])
+    spoilt.append(spoilt[nearest(spoilt, (11, -21, 40))])
 
     # A facet that got lost: a hole with three free edges.
     del spoilt[nearest(spoilt, (53, -18, PLATE_TOP))]

@@ -13,6 +13,7 @@ namespace tessolv {
 /// @param[in,out] pos  made 3 x nodes first, also when nothing else is to be done and when it is empty: a third
 ///                     coordinate is 0, rows beyond the third go. A matrix that has 3 rows is written where it is,
 ///                     views and shared buffers see it; another one with further owners moves to a buffer of its own.
+/// @param t            in the unit of `pos`.
 /// @return number of nodes moved, 0 for t = 0 (compared exactly); -199 memory, with `pos` as it was.
 /// @note One pass. No shared state.
 TESSOLV_API int translate(dense2D<double>& pos, const vector_fixed<double, 3>& t);
@@ -31,6 +32,8 @@ TESSOLV_API int translate(dense2D<double>& pos, const vector_fixed<double, 3>& t
 /// with K v = rotation x v, a = sin t / t, b = (1 - cos t) / t^2 and t the angle (the formula of O. Rodrigues; series
 /// up to t = 0.2).
 /// @param[in,out] pos  as in translate.
+/// @param centre       a point of the axis.
+/// @param rotation     direction of the axis, its length the angle in radians.
 /// @return number of nodes turned, 0 for a rotation of exactly 0; -199 memory, with `pos` as it was.
 /// @note One pass. No shared state.
 TESSOLV_API int rotate(dense2D<double>& pos, const vector_fixed<double, 3>& centre,
@@ -46,6 +49,8 @@ TESSOLV_API int rotate(dense2D<double>& pos, const vector_fixed<double, 3>& cent
 
 /// Scales the distance of every node from `centre`: P becomes P + (P - centre)(factor - 1).
 /// @param[in,out] pos  as in translate.
+/// @param centre       the point that stays.
+/// @param factor       of every distance from it; negative ones mirror.
 /// @return number of nodes, 0 for a factor of exactly 1; -199 memory, with `pos` as it was.
 /// @note One pass. No shared state.
 TESSOLV_API int zoom(dense2D<double>& pos, const vector_fixed<double, 3>& centre, double factor);
@@ -94,8 +99,7 @@ TESSOLV_API int inc_bounding_box(const dense2D<double>& pos, const dense2D<unsig
 /// @param connect  nodes x elements of any type. NONE_INDEX entries are skipped: an element of nothing else is kept.
 /// @param C,N      a point of the plane and its normal, which need not have unit length.
 /// @param[in,out] out  as many rows as `connect`, or empty; may be `connect` itself. Kept columns come behind those
-/// that
-///                 it has; untouched when `connect` is empty and on failure.
+///                     that it has; untouched when `connect` is empty and on failure.
 /// @return 0; -2 an index; -4 N shorter than 1e-12; -5 rows of `out`; -199 memory.
 /// @note One pass over the elements; working storage of two bytes per node; room for all elements is reserved in `out`
 ///       once. No shared state.

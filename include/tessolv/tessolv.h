@@ -11,6 +11,7 @@
 #include <tessolv/editing.h>
 #include <tessolv/geometry.h>
 #include <tessolv/io.h>
+#include <tessolv/metrics.h>
 #include <tessolv/quality.h>
 #include <tessolv/spatial.h>
 #include <tessolv/topology.h>

@@ -26,7 +26,7 @@ void expect_flat_mesh_or(const dense2D<double>& moved, int result, Operation ope
     });
 }
 
-const vec3 up(0, 0, 1), half_turn(0, 0, 3.14159265358979323846), origin;
+const vec3 up(0, 0, 1), origin;
 const auto first_node = indices({0});
 const auto elements = columns({{0, 0, 4000000000}});  // a large index: a hash set
 
@@ -40,7 +40,7 @@ TEST(Translate, WithoutMemoryLeavesAFlatMeshFlat)
 
 TEST(Rotate, WithoutMemoryLeavesAFlatMeshFlat)
 {
-    const vec3 first(1, 2, 0), second(3, 4, 0);
+    const vec3 first(1, 2, 0);
     const auto same = points({{1, 2, 0}, {3, 4, 0}});
     expect_flat_mesh_or(same, 1, [&](auto& pos) { return rotate(pos, first, up, first_node); });
     expect_flat_mesh_or(same, 1, [&](auto& pos) { return rotate(pos, first, up, elements); });

@@ -84,9 +84,10 @@ void expect_as_runtime(const std::string& text)
         EXPECT_EQ(by_scanner(rules, text), expected)
             << (rules == number_rules::c_scan ? "fscanf" : "stream") << " of \"" << text.substr(0, 80) << "\"";
         outcome plain;
-        if (const char* end = read_plain_number(text.c_str(), plain.value)) {
+        const std::string padded = text + std::string(8, '\0');
+        if (const char* end = read_plain_number(padded.data(), plain.value)) {
             plain.is_number = true;
-            plain.length = static_cast<std::size_t>(end - text.c_str());
+            plain.length = static_cast<std::size_t>(end - padded.data());
             EXPECT_EQ(plain, expected) << "plain \"" << text << "\"";
         }
     }
@@ -271,6 +272,12 @@ TEST(NumberScan, KeepsWhatDecidesTheValueOfVeryLongNumbers)
 {
     const std::string zeros(5000, '0');
     const std::string nines(5000, '9');
+    for (std::size_t digits = 1; digits < 60; ++digits)
+        for (const std::string sign : {"", "-"})
+            for (const char digit : {'1', '9'}) {
+                expect_as_runtime("1.5e" + sign + std::string(digits, digit));
+                expect_as_runtime("0x1.8p" + sign + std::string(digits, digit));
+            }
     for (const std::string& text :
          {zeros + "1", "0." + zeros + "1e5001", "1" + zeros + "e-5000", "1" + zeros + "." + zeros + "1e-5000", nines,
           nines + "e-4990", "." + nines, "9007199254740993." + zeros, "9007199254740993." + zeros + "1",

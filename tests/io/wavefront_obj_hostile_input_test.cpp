@@ -2,7 +2,6 @@
 #include <sys/stat.h>
 
 #include <chrono>
-#include <clocale>
 #include <cstring>
 #include <random>
 #include <string>
@@ -11,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "io/wavefront_obj_model.h"
+#include "support/comma_locale.h"
+#include "support/open_files.h"
 
 using namespace zeb::tessolv;
 using namespace test;
@@ -98,25 +99,18 @@ TEST(WavefrontOBJInput, RefusesAFileThatCannotBeReadThrough)
     EXPECT_EQ(read_file("/proc/self/mem"), obj_mesh{-1});
 }
 
-namespace {
-
-struct comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-};
-
-}  // namespace
-
 TEST(WavefrontOBJInput, IsTheSameInEveryLocale)
 {
     const obj_mesh expected = read_text(every_form);
-    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new comma));
-    const char* c_locale = nullptr;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "C.UTF-8"})
-        if (c_locale == nullptr) c_locale = std::setlocale(LC_ALL, name);
-    const obj_mesh m = read_text(every_form);
-    std::locale::global(before);
-    std::setlocale(LC_ALL, "C");
-    EXPECT_EQ(m, expected);
+    const comma_locale changed;
+    EXPECT_EQ(read_text(every_form), expected);
+}
+
+TEST(WavefrontOBJInput, ClosesTheFileOnEveryReturn)
+{
+    const temporary_file good("v 1 2 3\n");
+    const temporary_file bad("v 1\n");
+    const std::ptrdiff_t before = open_files();
+    for (const char* name : {good.name(), bad.name(), "/tmp", "/proc/self/mem"}) read_file(name);
+    EXPECT_EQ(open_files(), before);
 }

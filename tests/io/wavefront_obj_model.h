@@ -3,8 +3,8 @@
 
 #include <cctype>
 #include <locale>
+#include <optional>
 #include <ostream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -94,20 +94,33 @@ public:
 private:
     bool take_face(const std::string& text)
     {
-        static const std::regex corner("^[ \t\v\f\r]*([+-]?[0-9]+)(?:/([+-]?[0-9]+)?(?:/([+-]?[0-9]+)?)?)?");
         std::vector<unsigned> nodes;
-        std::string rest = text;
-        for (std::smatch match; std::regex_search(rest, match, corner); rest = match.suffix()) {
-            for (int field = 1; field <= 3; ++field)
-                if (match[field].matched && std::stold(match[field]) > 4294967295.0L) return false;
-            if ((match[2].matched && !has_textures_) || (match[3].matched && !has_normals_)) return false;
-            nodes.push_back(node(std::stold(match[1])));
-            if (match.suffix().first != match.suffix().second && *match.suffix().first == '/') return false;
+        const std::string blanks = " \t\v\f\r";
+        for (std::size_t at = 0; (at = text.find_first_not_of(blanks, at)) != std::string::npos;) {
+            std::optional<long double> fields[3];
+            fields[0] = integer(text, at);
+            for (int k = 1; k < 3 && fields[0] && text[at] == '/'; ++k) fields[k] = integer(text, ++at);
+            if (!fields[0] || text[at] == '/') return false;
+            for (const auto& field : fields)
+                if (field && *field > 4294967295.0L) return false;
+            if ((fields[1] && !has_textures_) || (fields[2] && !has_normals_)) return false;
+            nodes.push_back(node(*fields[0]));
         }
-        if (rest.find_first_not_of(" \t\v\f\r") != std::string::npos) return false;
         if (nodes.size() == 3) trias.push_back(nodes);
         if (nodes.size() == 4) quads.push_back(nodes);
         return true;
+    }
+
+    // The integer at a place of the text, which moves behind it.
+    static std::optional<long double> integer(const std::string& text, std::size_t& at)
+    {
+        const std::size_t first = at + (text[at] == '+' || text[at] == '-' ? 1 : 0);
+        std::size_t end = first;
+        while (std::isdigit(static_cast<unsigned char>(text[end]))) ++end;
+        if (end == first) return std::nullopt;
+        const long double value = std::stold(text.substr(at, end - at));
+        at = end;
+        return value;
     }
 
     unsigned node(long double number) const

@@ -86,7 +86,7 @@ public:
     std::vector<model::spot> next(const shape_family& family)
     {
         std::vector<model::spot> p(family.ideal.size());
-        const unsigned sort = pick(10);
+        const unsigned sort = pick(11);
         const bool near_ideal = sort < 4;
         for (std::size_t k = 0; k < p.size(); ++k)
             for (unsigned i = 0; i < 3; ++i)
@@ -96,8 +96,10 @@ public:
         if (sort == 3) move(p, 1e6 * unit());
         if (sort == 6) flatten(p, pick(2) ? 0.0 : 1e-9 * unit());
         if (sort == 7) collapse(p);
-        if (sort == 8) scale(p, std::pow(10.0, 110.0 * unit()));
+        if (sort == 8) scale(p, std::pow(10.0, 200.0 * unit()));
+        if (sort == 8 && pick(2)) collapse(p);
         if (sort == 9) spoil(p);
+        if (sort == 10) turn(p, family);
         if (family.dimension == 2)
             for (model::spot& s : p) s[2] = 0;
         return p;
@@ -111,6 +113,16 @@ private:
     void mirror(std::vector<model::spot>& p)
     {
         for (model::spot& s : p) s[0] = -s[0];
+    }
+    // The ideal element or its mirror image, turned about the third axis: what rounding carries past 1 and -1.
+    void turn(std::vector<model::spot>& p, const shape_family& family)
+    {
+        const double angle = 3 * unit(), size = 1 + pick(3);
+        p = family.ideal;
+        if (pick(2)) mirror(p);
+        for (model::spot& s : p)
+            s = {size * (std::cos(angle) * s[0] - std::sin(angle) * s[1]),
+                 size * (std::sin(angle) * s[0] + std::cos(angle) * s[1]), size * s[2]};
     }
     // Onto an inclined plane, but for a little.
     void flatten(std::vector<model::spot>& p, double little)

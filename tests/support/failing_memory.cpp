@@ -1,5 +1,6 @@
 #include "support/failing_memory.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -11,6 +12,7 @@ namespace {
 long requests_left = 0;  // until the one that fails; 0: none will
 bool all_later_fail = false;
 bool has_failed = false;
+std::size_t largest = 0;
 long blocks = 0;
 
 bool refuses()
@@ -23,6 +25,7 @@ bool refuses()
 
 void* obtain(std::size_t bytes)
 {
+    largest = std::max(largest, bytes);
     void* block = refuses() ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
     blocks += block != nullptr;
     return block;
@@ -50,6 +53,7 @@ failing_memory::failing_memory(long nth, bool from_then_on)
     requests_left = nth;
     all_later_fail = from_then_on;
     has_failed = false;
+    largest = 0;
 }
 
 failing_memory::~failing_memory()
@@ -61,6 +65,11 @@ failing_memory::~failing_memory()
 bool failing_memory::triggered() const
 {
     return has_failed;
+}
+
+std::size_t failing_memory::largest_request() const
+{
+    return largest;
 }
 
 long live_blocks()

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <type_traits>
 
 // Exhausted memory on demand. A test program that is built with failing_memory.cpp takes every block of the library and
@@ -18,7 +19,8 @@ struct failing_memory {
     failing_memory(const failing_memory&) = delete;
     failing_memory& operator=(const failing_memory&) = delete;
 
-    bool triggered() const;  // whether a request has failed
+    bool triggered() const;               // whether a request has failed
+    std::size_t largest_request() const;  // bytes of the largest so far
 };
 
 // Blocks that were handed out and not given back.

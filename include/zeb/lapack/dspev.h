@@ -15,9 +15,8 @@ namespace lapack {
 /// @param[out] z    eigenvectors as columns, ldz x n; not referenced with 'N' and may be null.
 /// @param ldz       at least 1, and at least n with 'V'.
 /// @param work      3n entries of working storage.
-/// @param[out] info 0; -k when argument k is not valid (checked here, so nothing is printed and nothing stops); > 0
-/// when
-///                  the algorithm did not converge.
+/// @param[out] info 0; -k when argument k is not valid (checked here, so nothing is printed and nothing stops);
+///                  > 0 when the algorithm did not converge.
 /// @return `info`.
 TESSOLV_API int dspev(char jobz, char uplo, long n, double* ap, double* w, double* z, long ldz, double* work,
                       long& info);

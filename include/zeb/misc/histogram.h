@@ -32,7 +32,8 @@ public:
     double mean() const;                ///< NaN when there is no value
     double standard_deviation() const;  ///< root of the mean squared deviation (divisor: count); NaN without a value
 
-    /// Values in each bin: bin k holds [lower + k w, lower + (k + 1) w), the last one its upper bound too. A deep copy.
+    /// Values in each bin: of n bins, bin k starts at lower + (upper - lower) k / n and ends before the next one; the
+    /// last one holds the upper bound, too. A deep copy.
     dense1D<unsigned int> bins() const;
 
     unsigned long below() const;         ///< values under the lower bound
@@ -40,7 +41,7 @@ public:
     unsigned long not_a_number() const;  ///< NaN
 
 private:
-    void add(double value);
+    [[gnu::visibility("hidden")]] void add(double value);
 
     double lower_;
     double upper_;
@@ -51,7 +52,8 @@ private:
     unsigned long not_a_number_ = 0;
     double minimum_;
     double maximum_;
-    double mean_ = 0;
+    double sum_ = 0;
+    double running_mean_ = 0;
     double squares_ = 0;  // sum of squared deviations from the running mean
 };
 

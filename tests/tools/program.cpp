@@ -1,0 +1,67 @@
+#include "tools/program.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "tools/stl_files.h"
+
+namespace test {
+namespace {
+
+std::vector<char*> pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> all;
+    for (std::string& text : texts) all.push_back(text.data());
+    all.push_back(nullptr);
+    return all;
+}
+
+void redirect(const std::string& path, int descriptor)
+{
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (file < 0 || dup2(file, descriptor) < 0) _exit(127);
+}
+
+[[noreturn]] void become_tessolv(std::vector<std::string> arguments, const run_options& options, const std::string& out,
+                                 const std::string& err)
+{
+    redirect(out, STDOUT_FILENO);
+    redirect(err, STDERR_FILENO);
+    if (options.working_directory && chdir(options.working_directory->c_str()) != 0) _exit(127);
+    if (options.memory) {
+        const rlimit limit{*options.memory, *options.memory};
+        if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
+    }
+    std::vector<std::string> environment = options.environment;  // the first entry of a name counts
+    for (const char* entry : {"LC_ALL=C", "TERM=xterm", "ASAN_OPTIONS=allocator_may_return_null=1"})
+        environment.emplace_back(entry);
+    arguments.insert(arguments.begin(), "tessolv");
+    execve(TESSOLV_PROGRAM, pointers(arguments).data(), pointers(environment).data());
+    _exit(127);
+}
+
+}  // namespace
+
+run_result tessolv(const std::vector<std::string>& arguments, const run_options& options)
+{
+    const temporary_folder folder;
+    const std::string out = options.standard_output.empty() ? folder.path("out") : options.standard_output;
+    const std::string err = folder.path("err");
+    const pid_t child = fork();
+    if (child < 0) throw std::runtime_error("no process");
+    if (child == 0) become_tessolv(arguments, options, out, err);
+
+    int state = 0;
+    waitpid(child, &state, 0);
+    run_result result;
+    result.status = WIFEXITED(state) ? WEXITSTATUS(state) : 128 + WTERMSIG(state);
+    if (options.standard_output.empty()) result.out = read_file(out);
+    result.err = read_file(err);
+    return result;
+}
+
+}  // namespace test

@@ -1,0 +1,29 @@
+#ifndef TESTS_TOOLS_PROGRAM_H
+#define TESTS_TOOLS_PROGRAM_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+struct run_options {
+    std::string standard_output = {};                   // a file for it instead of collecting it
+    std::optional<std::uint64_t> memory = {};           // address space in bytes
+    std::vector<std::string> environment = {};          // NAME=value, beside LC_ALL=C
+    std::optional<std::string> working_directory = {};  // of the program
+};
+
+struct run_result {
+    int status = -1;  // exit status; 128 + signal
+    std::string out;
+    std::string err;
+};
+
+// Runs the program tessolv.
+run_result tessolv(const std::vector<std::string>& arguments, const run_options& options = {});
+
+}  // namespace test
+
+#endif

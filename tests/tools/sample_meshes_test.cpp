@@ -1,0 +1,115 @@
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tools/program.h"
+
+// Every STL file of a folder of sample meshes, whose README.md has a table with the counts that must come out. The
+// folder is named when the tests are configured: TESSOLV_SAMPLE_MESHES.
+
+namespace {
+
+const std::string folder = TESSOLV_SAMPLE_MESHES;
+
+struct sample {
+    std::string file, format, counts;
+};
+void PrintTo(const sample& row, std::ostream* out)
+{
+    *out << row.file;
+}
+
+std::vector<std::string> cells_of(const std::string& line)
+{
+    std::vector<std::string> cells;
+    for (std::size_t begin = line.find('|'), end; (end = line.find('|', begin + 1)) != std::string::npos; begin = end)
+        cells.push_back(line.substr(begin + 2, end - begin - 3));
+    return cells;
+}
+
+std::vector<sample> rows_of_table()
+{
+    std::vector<sample> rows;
+    std::ifstream table(folder + "/README.md");
+    for (std::string line; !folder.empty() && std::getline(table, line);) {
+        const std::vector<std::string> cells = cells_of(line);
+        if (cells.size() == 7 && cells[2].starts_with("stl ")) rows.push_back({cells[0], cells[2], cells[5]});
+    }
+    return rows;
+}
+
+TEST(SampleMeshes, HaveATableOfStlFiles)
+{
+    if (folder.empty()) GTEST_SKIP() << "TESSOLV_SAMPLE_MESHES names no folder of sample meshes";
+    ASSERT_TRUE(std::filesystem::exists(folder + "/README.md")) << folder;
+    unsigned long files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        files += entry.path().extension() == ".stl" || entry.path().extension() == ".STL";
+    EXPECT_EQ(rows_of_table().size(), files);
+    EXPECT_GT(files, 0u);
+}
+
+// The number that follows these words in a cell of the table.
+std::optional<unsigned long> number_after(const std::string& words, const std::string& cell)
+{
+    const std::size_t at = cell.find(words);
+    if (at == std::string::npos) return std::nullopt;
+    return std::stoul(cell.substr(at + words.size()));
+}
+
+class SampleMesh : public testing::TestWithParam<sample> {};
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleMesh);
+
+TEST_P(SampleMesh, GivesTheCountsOfTheTable)
+{
+    const sample& row = GetParam();
+    const auto read = number_after("facets read ", row.counts);
+    const auto triangles = number_after("; result ", row.counts);
+    const auto nodes = number_after(", nodes ", row.counts);
+    const auto free_edges = number_after(", free ", row.counts);
+    const auto nonmanifold = number_after(", >2 triangles ", row.counts);
+    const auto duplicates = number_after(", duplicate triangles ", row.counts);
+    ASSERT_TRUE(read && triangles && nodes) << row.counts;
+    ASSERT_TRUE(*triangles == 0 || (free_edges && nonmanifold && duplicates)) << row.counts;
+    const unsigned long in_file =
+        number_after("facets read " + std::to_string(*read) + " of ", row.counts).value_or(*read);
+
+    const test::run_result result = test::tessolv({"check", "--json", folder + '/' + row.file});
+    const auto object = nlohmann::json::parse(result.out);
+    EXPECT_EQ(object["format"], row.format.starts_with("stl binary") ? "binary" : "ascii");
+    EXPECT_EQ(object["facets_in_file"], in_file);
+    EXPECT_EQ(object["facets_read"], *read);
+    EXPECT_EQ(object["triangles"], *triangles);
+    EXPECT_EQ(object["nodes"], *nodes);
+    EXPECT_EQ(object["merged_nodes"], 3 * *read - *nodes);
+    EXPECT_EQ(object["degenerate"], *read - *triangles);
+    EXPECT_EQ(object["free_edges"], free_edges.value_or(0));
+    EXPECT_EQ(object["nonmanifold_edges"], nonmanifold.value_or(0));
+    EXPECT_EQ(object["duplicates"], duplicates.value_or(0));
+
+    const unsigned long faults = free_edges.value_or(0) + nonmanifold.value_or(0) + duplicates.value_or(0);
+    const bool clean = in_file == *triangles && *triangles != 0 && faults == 0;
+    EXPECT_EQ(object["verdict"], clean ? "clean" : "not clean");
+    EXPECT_EQ(result.status, clean ? 0 : 1);
+}
+
+std::string identifier_of(const std::string& file)
+{
+    std::string name = file;
+    std::ranges::replace_if(
+        name, [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Stl, SampleMesh, testing::ValuesIn(rows_of_table()),
+                         [](const auto& row) { return identifier_of(row.param.file); });
+
+}  // namespace
