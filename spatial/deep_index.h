@@ -24,7 +24,7 @@ class deep_index {
 public:
     using table = scratch<tree_record<D>>;
 
-    // For a table in preorder. False without memory, and nothing has changed.
+    // For a table in preorder that is not empty. False without memory, and nothing has changed.
     [[nodiscard]] bool build(const table& records);
 
     // Number of records it was built for.

@@ -21,7 +21,7 @@ bool kd_tree<D>::copy(const kd_tree& other)
     kd_tree made(*other.pos_);
     if (!made.records_.allocate(other.records_.size())) return false;
     std::copy(other.records_.begin(), other.records_.end(), made.records_.begin());
-    if (other.index_.size() == other.records_.size() && !made.index_.build(made.records_)) return false;
+    if (other.is_indexed() && !made.index_.build(made.records_)) return false;
     made.deepest_ = other.deepest_;
     made.columns_used_ = other.columns_used_;
     made.is_ordered_ = other.is_ordered_;
