@@ -46,6 +46,15 @@ TEST(CountWords, CountsSolidsAndTheirEnds)
     EXPECT_FALSE(words.is_one_line);
 }
 
+TEST(CountWords, TakesACarriageReturnForTheEndOfALine)
+{
+    const tool::text_words words = count("solid a\rfacet\rendsolid a\rsolid b\r");
+    EXPECT_EQ(words.facets, 1u);
+    EXPECT_EQ(words.solids, 2u);
+    EXPECT_EQ(words.ends, 1u);
+    EXPECT_FALSE(words.is_one_line);
+}
+
 TEST(CountWords, SeesThatTheLastSolidIsOpen)
 {
     EXPECT_FALSE(count("solid a\nendsolid a\nsolid b\n").last_solid_ends);
