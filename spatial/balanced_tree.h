@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "core/scratch.h"
 #include "spatial/point.h"
@@ -27,6 +28,11 @@ public:
     // Calls visit(item) for the items in the box until it answers false.
     template <class Visit>
     void visit_box(const box<D>& b, Visit visit) const;
+
+    // Calls visit(item) for the items at a distance from P of at most `reach` and for some others, near ones first. The
+    // visit may lower `reach`.
+    template <class Visit>
+    void visit_near(const point<D>& P, const double& reach, Visit visit) const;
 
 private:
     // Items of a subtree: its children have one half each.
@@ -112,6 +118,34 @@ void balanced_tree<D>::visit_box(const box<D>& b, Visit visit) const
         }
         for (std::size_t i = r.begin; i < r.end; ++i)
             if (b.contains(items_[i].x) && !visit(items_[i])) return;
+    }
+}
+
+template <int D>
+template <class Visit>
+void balanced_tree<D>::visit_near(const point<D>& P, const double& reach, Visit visit) const
+{
+    struct waiting_range {
+        range items;
+        double distance;
+    };
+    if (items_.empty()) return;
+    std::array<waiting_range, 64> waiting;
+    std::size_t top = 0;
+    waiting[top++] = {{0, 0, items_.size()}, 0.0};
+    while (top != 0) {
+        const waiting_range next = waiting[--top];
+        const range& r = next.items;
+        if (next.distance > reach) continue;
+        if (is_leaf(r)) {
+            for (std::size_t i = r.begin; i < r.end; ++i) visit(items_[i]);
+            continue;
+        }
+        waiting_range near{half(r, 0), bounds_[2 * r.subtree + 1].distance_to(P)};
+        waiting_range far{half(r, 1), bounds_[2 * r.subtree + 2].distance_to(P)};
+        if (far.distance < near.distance) std::swap(near, far);
+        waiting[top++] = far;
+        waiting[top++] = near;
     }
 }
 

@@ -153,13 +153,15 @@ bool element_merge<D>::run(const dense1D<unsigned int>& nodes, bool repeatedly)
     const bool tracks_changes = repeatedly && incidence::can_number(meshes_);
     bool tracked = false;
     if (!collect_everywhere()) return false;
-    for (;;) {
-        if (!apply_pairs()) return false;
-        compress_paths(new_IDs_, nodes.data(), nodes.size);
-        if (!repeatedly || merged_.empty()) return true;
+    while (apply_pairs()) {
+        if (!repeatedly || merged_.empty()) {
+            for (const unsigned int node : nodes) follow(new_IDs_, node);
+            return true;
+        }
         if (tracks_changes && !std::exchange(tracked, true) && !around_.build(meshes_, pos_.cols)) return false;
         if (!(tracks_changes ? find_changed() && collect_from_changed() : collect_everywhere())) return false;
     }
+    return false;
 }
 
 template <int D>
@@ -196,7 +198,7 @@ template <int D>
 bool element_merge<D>::collect_from(const unsigned int* entries, std::uint64_t rows)
 {
     for (std::uint64_t r = 0; r < rows; ++r) {
-        column_[r] = entries[r] != NONE_INDEX ? new_IDs_[entries[r]] : NONE_INDEX;
+        column_[r] = entries[r] != NONE_INDEX ? follow(new_IDs_, entries[r]) : NONE_INDEX;
         if (column_[r] != NONE_INDEX) points_[r] = position_of<D>(pos_, column_[r]);
     }
     for (std::uint64_t r = 0; r < rows; ++r)
@@ -246,7 +248,7 @@ bool element_merge<D>::find_changed()
     changed_.clear();
     for (const unsigned int node : merged_)
         if (!around_.list(node, changed_)) return false;
-    for (const unsigned int node : merged_) around_.merge(node, new_IDs_[node]);
+    for (const unsigned int node : merged_) around_.merge(node, follow(new_IDs_, node));
     std::sort(changed_.begin(), changed_.end());
     changed_.truncate(static_cast<std::size_t>(std::unique(changed_.begin(), changed_.end()) - changed_.begin()));
     return true;

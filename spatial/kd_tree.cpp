@@ -18,12 +18,14 @@ constexpr double largest = std::numeric_limits<double>::max();
 template <int D>
 bool kd_tree<D>::copy(const kd_tree& other)
 {
-    scratch<tree_record<D>> records;
-    if (!records.allocate(other.records_.size())) return false;
-    std::copy(other.records_.begin(), other.records_.end(), records.begin());
-    records_.swap(records);
-    pos_ = other.pos_;
-    deepest_ = other.deepest_;
+    kd_tree made(*other.pos_);
+    if (!made.records_.allocate(other.records_.size())) return false;
+    std::copy(other.records_.begin(), other.records_.end(), made.records_.begin());
+    if (other.is_indexed() && !made.index_.build(made.records_)) return false;
+    made.deepest_ = other.deepest_;
+    made.columns_used_ = other.columns_used_;
+    made.is_ordered_ = other.is_ordered_;
+    std::swap(*this, made);
     return true;
 }
 
@@ -39,22 +41,22 @@ bool kd_tree<D>::insert(scratch<unsigned int>& nodes)
     shuffle(nodes.data(), nodes.size());
     const auto end = std::remove_if(nodes.begin(), nodes.end(), [this](unsigned int i) { return i >= pos_->cols; });
     nodes.truncate(static_cast<std::size_t>(end - nodes.begin()));
-
-    const std::uint64_t all = records_.size() + nodes.size();
-    if (all >= NONE_INDEX) return false;
+    if (nodes.empty()) return true;
+    if (records_.size() + nodes.size() >= NONE_INDEX) return false;
     if (pays_to_rebuild(nodes.size())) return rebuild_with(nodes);
     return std::all_of(nodes.begin(), nodes.end(), [this](unsigned int node) { return link(node); });
 }
 
 // Few nodes are brought to their places one by one. Many make a new tree together with the old records: parents stand
-// before their children, so the old ones come to the same places again. Where the matrix has shrunk, only the walk
-// tells where a new node belongs.
+// before their children, so the old ones come to the same places again. Of a deep tree the index is kept up in this
+// way.
 template <int D>
 bool kd_tree<D>::pays_to_rebuild(std::uint64_t added) const
 {
+    const std::uint64_t all = records_.size() + added;
     if (records_.empty()) return true;
-    return added * (deepest_ + std::uint64_t{1}) > records_.size() + added &&
-           std::all_of(records_.begin(), records_.end(), [this](const auto& r) { return r.node < pos_->cols; });
+    if (has_shrunk() || !is_ordered_) return false;
+    return added * (deepest_ + std::uint64_t{1}) > all || (deepest_ > walkable_depth && all - index_.size() > all / 8);
 }
 
 template <int D>
@@ -67,12 +69,15 @@ bool kd_tree<D>::rebuild_with(const scratch<unsigned int>& nodes)
         *end++ = {position_of<D>(*pos_, node), node, NONE_INDEX, NONE_INDEX, NONE_INDEX};
     tree_builder<D> builder;
     if (!builder.run(records)) return false;
+    if (builder.deepest() > walkable_depth && !index_.build(records)) return false;
     records_.swap(records);
     deepest_ = builder.deepest();
+    for (const unsigned int node : nodes) columns_used_ = std::max(columns_used_, node + std::uint64_t{1});
     return true;
 }
 
-// Hangs a record of the node below the last one on its way down.
+// Hangs a record of the node below the last one on its way down. Where the matrix has shrunk, this need not be where
+// its coordinates belong.
 template <int D>
 bool kd_tree<D>::link(unsigned int node)
 {
@@ -89,7 +94,9 @@ bool kd_tree<D>::link(unsigned int node)
     if (!records_.push_back(added)) return false;
     tree_record<D>& parent = records_[added.parent];
     (is_left ? parent.left : parent.right) = static_cast<unsigned int>(records_.size() - 1);
+    is_ordered_ &= !has_shrunk();
     deepest_ = std::max(deepest_, depth);
+    columns_used_ = std::max(columns_used_, node + std::uint64_t{1});
     return true;
 }
 
@@ -97,6 +104,7 @@ template <int D>
 unsigned int kd_tree<D>::find_closest(const point<D>& P, unsigned int excluded) const
 {
     if (records_.empty()) return NONE_INDEX;
+    if (is_indexed()) return index_.find_closest(records_, P, excluded);
     candidate closest = descend(P, excluded);
     if (closest.node == NONE_INDEX || closest.distance != 0) search(P, excluded, closest);
     return closest.node;
@@ -160,6 +168,7 @@ void kd_tree<D>::search(const point<D>& P, unsigned int excluded, candidate& clo
 template <int D>
 void kd_tree<D>::find_in_box(const box<D>& b, dense1D<unsigned int>& nodes) const
 {
+    if (is_indexed()) return index_.find_in_box(records_, b, nodes);
     for (unsigned int r = records_.empty() ? NONE_INDEX : 0, from = NONE_INDEX, d = 0; r != NONE_INDEX;) {
         const tree_record<D>& record = records_[r];
         const point<D>& x = position(r);

@@ -5,6 +5,7 @@
 #include <zeb/dense2D.h>
 
 #include "core/scratch.h"
+#include "spatial/deep_index.h"
 #include "spatial/point.h"
 #include "spatial/tree_record.h"
 
@@ -44,7 +45,12 @@ private:
         double distance;
     };
 
+    // Walks down to here are cheap; random nodes by the billion on a line in space come nearly this far.
+    static constexpr unsigned int walkable_depth = 256;
+
     const point<D>& position(unsigned int r) const;
+    bool has_shrunk() const { return columns_used_ > pos_->cols; }
+    bool is_indexed() const { return !records_.empty() && index_.size() == records_.size() && !has_shrunk(); }
     bool pays_to_rebuild(std::uint64_t added) const;
     [[nodiscard]] bool link(unsigned int node);
     [[nodiscard]] bool rebuild_with(const scratch<unsigned int>& nodes);
@@ -54,6 +60,9 @@ private:
     const dense2D<double>* pos_;
     scratch<tree_record<D>> records_;  // record 0 is the root, parents stand before their children
     unsigned int deepest_ = 0;         // depth of the deepest record
+    std::uint64_t columns_used_ = 0;   // no record has a node from there on
+    bool is_ordered_ = true;           // left and right of a record are as its coordinates say
+    deep_index<D> index_;              // of a tree that is too deep to be walked, unless nodes were linked since
 };
 
 extern template class kd_tree<2>;

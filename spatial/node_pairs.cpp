@@ -24,13 +24,12 @@ void sort_closest_first(scratch<node_pair>& pairs)
     if (!std::is_sorted(pairs.begin(), pairs.end(), earlier)) std::sort(pairs.begin(), pairs.end(), earlier);
 }
 
-void compress_paths(unsigned int* new_IDs, const unsigned int* nodes, std::uint64_t count)
+unsigned int follow(unsigned int* new_IDs, unsigned int node)
 {
-    for (std::uint64_t k = 0; k < count; ++k) {
-        unsigned int root = nodes[k];
-        while (new_IDs[root] != root) root = new_IDs[root];
-        for (unsigned int i = nodes[k]; i != root;) i = std::exchange(new_IDs[i], root);
-    }
+    unsigned int staying = new_IDs[node];
+    while (new_IDs[staying] != staying) staying = new_IDs[staying];
+    while (new_IDs[node] != staying) node = std::exchange(new_IDs[node], staying);
+    return staying;
 }
 
 }  // namespace zeb::tessolv

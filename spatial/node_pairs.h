@@ -27,9 +27,8 @@ struct node_pair {
 // none of them changes, and its own target are free.
 void sort_closest_first(scratch<node_pair>& pairs);
 
-// Follows the entries of the nodes to the one that stays, new_IDs[r] = r. The nodes on the way are renumbered too, all
-// of which are among those that stayed once.
-void compress_paths(unsigned int* new_IDs, const unsigned int* nodes, std::uint64_t count);
+// The node that a node has become: where its entries lead to, new_IDs[r] = r. They lead there in one step afterwards.
+unsigned int follow(unsigned int* new_IDs, unsigned int node);
 
 }  // namespace zeb::tessolv
 

@@ -74,6 +74,14 @@ struct box {
         return inside;
     }
 
+    // What is in the box is not closer to P, also as distance() rounds: each step of it grows with the coordinate.
+    double distance_to(const point<D>& P) const
+    {
+        point<D> nearest;
+        for (int d = 0; d < D; ++d) nearest[d] = P[d] < lower[d] ? lower[d] : upper[d] < P[d] ? upper[d] : P[d];
+        return distance(nearest, P);
+    }
+
     bool meets(const box& other) const
     {
         bool common = true;

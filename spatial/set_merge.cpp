@@ -80,7 +80,8 @@ bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsi
     else if (at_once == outcome::no_memory || !merge_in_rounds(most))
         return false;
     settle_followers(targets);
-    compress_paths(new_IDs_, visitors.data(), visitors.size);
+    // The nodes on the way are visitors too.
+    for (const unsigned int node : visitors) follow(new_IDs_, node);
     return true;
 }
 
@@ -216,8 +217,8 @@ void set_merge<D>::settle_followers(const dense1D<unsigned int>& targets)
     }
 }
 
-// Ranks are the bits of a float: steps in them are ratios of distances. A round is not made shorter than some percent of
-// its distance; if that still has more neighbours than the bound, they have to be taken.
+// Ranks are the bits of a float: steps in them are ratios of distances. A round is not made shorter than some percent
+// of its distance; if that still has more neighbours than the bound, they have to be taken.
 template <int D>
 bool set_merge<D>::merge_in_rounds(std::uint64_t most)
 {

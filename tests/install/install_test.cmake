@@ -28,6 +28,13 @@ foreach(text IN LISTS texts)
   endif()
 endforeach()
 
+if(EXISTS ${WORK}/prefix/bin/tessolv)
+  run(${WORK}/prefix/bin/tessolv --version)
+  if(NOT output MATCHES "3\\.9\\.3")
+    message(FATAL_ERROR "The installed program says version ${output}")
+  endif()
+endif()
+
 set(program ${SOURCE}/examples/two_tetrahedra.cpp)
 file(READ ${SOURCE}/examples/two_tetrahedra.expected expected)
 

@@ -79,6 +79,17 @@ TEST(NodeDetector, IsBuiltOverAllColumnsListsAndMatrices)
     EXPECT_EQ(node_detector(square, meshes, meshes).size(), 0u);
 }
 
+TEST(NodeDetector, CopiesAnEmptyTree)
+{
+    const dense2D<double> pos(2, 3, 0.0);
+    const node_detector empty(pos, dense1D<unsigned>());
+    node_detector copy(empty);
+    EXPECT_EQ(copy.size(), 0u);
+    EXPECT_EQ(copy.insert(indices({1})), 1u);
+    EXPECT_EQ(copy.find_closest(0u), 1u);
+    EXPECT_EQ(empty.size(), 0u);
+}
+
 TEST(NodeDetector, WithoutANodeIsAnEmptyTree)
 {
     node_detector detector(square, dense1D<unsigned>());
