@@ -29,8 +29,8 @@ double height_of(const vector3 (&P)[3])
 }
 
 // Whether the height of a facet is surely above a value. It is twice the area over the longest side, here without a
-// root or a division. Rounding has no say where it is above by a thousandth, the facet is no needle and all is far from
-// the ends of the range. False where a coordinate is not a number.
+// root or a division. Rounding has no say where it is above by a thousandth, the facet is no needle and nothing comes
+// near the smallest doubles. False where a coordinate is not a number or a square is infinite.
 bool is_surely_higher(const vector3 (&P)[3], double value)
 {
     const vector3 edge = P[1] - P[0];
@@ -40,14 +40,14 @@ bool is_surely_higher(const vector3 (&P)[3], double value)
     const double area = dot(normal, normal);
     const double side = std::max({dot(edge, edge), dot(other, other), dot(third, third)});
     const double bound = 1.001 * (value * value * side);
-    return area > bound && bound > 1e-280 && area > 1e-20 * (side * side) && area < 1e280;
+    return area > bound && bound > 1e-280 && area > 1e-20 * (side * side);
 }
 
 }  // namespace
 
 bool facet_soup::reserve(std::uint64_t facets)
 {
-    return facets == 0 || (pos.reserve(3, 3 * facets) && connect.reserve(3, facets));
+    return pos.reserve(3, 3 * facets) && connect.reserve(3, facets);
 }
 
 bool facet_soup::add_corner(const double* corner)

@@ -86,10 +86,9 @@ inline bool read_number(line_at_hand& line, number_rules rules, double& value)
 
 inline bool read_number(block_reader& in, number_rules rules, double& value)
 {
-    const bool near_end = in.ensure(block_reader::most_ahead) < block_reader::most_ahead;
+    in.ensure(longest_plain_number + 1);  // so that it ends at hand, or with the file
     const char* end = read_plain_number(in.begin(), value);
-    // What reaches the end of the block may go on behind it.
-    if (end == nullptr || (end == in.end() && !near_end)) return scan_number(in, rules, value);
+    if (end == nullptr) return scan_number(in, rules, value);
     in.move_to(end);
     return true;
 }

@@ -89,6 +89,9 @@ inline constexpr double exact_powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e
                                           1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 inline constexpr std::uint64_t exact_integer = std::uint64_t{1} << 53;
 
+// What read_plain_number takes at most: sign, 19 digits, point, letter, sign and four digits of an exponent.
+inline constexpr std::size_t longest_plain_number = 27;
+
 // Reads a decimal number of at most 19 digits at p and returns where it ends; null, and no value, where the text is
 // anything else. A number that it reads is read alike by every rule of number_scan.h.
 inline const char* read_plain_number(const char* p, double& value)

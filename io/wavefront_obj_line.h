@@ -100,6 +100,7 @@ bool read_integer(Text& text, std::uint64_t& magnitude, bool& negative, bool& pr
 }
 
 // Reads one of the forms k, k/t, k/t/n and k//n, where the number behind a slash may be missing; false if it is none.
+// Whatever follows belongs to the next corner, which must not begin with a third slash either.
 template <class Text>
 bool read_corner(Text& text, corner& read)
 {
@@ -112,7 +113,7 @@ bool read_corner(Text& text, corner& read)
         bool negative = false;
         if (!read_integer(text, dropped, negative, read.*field)) return false;
     }
-    return text.peek() != '/';
+    return true;
 }
 
 }  // namespace zeb::tessolv::obj

@@ -202,15 +202,17 @@ TEST(STLOutput, WritesTheBytesThatTheRuntimeWouldPrint)
     }
 }
 
-TEST(STLOutput, WritesFilesOfManyBlocks)
+TEST(STLOutput, WritesFilesOfManyBlocksAndNodes)
 {
-    dense2D<double> pos(3, 1000);
-    for (std::uint64_t j = 0; j < 1000; ++j)
+    constexpr std::uint64_t nodes = 50000;
+    dense2D<double> pos(3, nodes);
+    for (std::uint64_t j = 0; j < nodes; ++j)
         for (std::uint64_t i = 0; i < 3; ++i) pos(i, j) = std::sin(static_cast<double>(7 * j + i));
     dense2D<unsigned int> connect(3, 20000);
     std::mt19937 random(2);
-    for (std::uint64_t j = 0; j < connect.cols; ++j)
-        for (std::uint64_t i = 0; i < 3; ++i) connect(i, j) = static_cast<unsigned int>(random() % 1000);
+    for (std::uint64_t j = 0; j < connect.cols; ++j)  // some nodes again soon, some later, many once
+        for (std::uint64_t i = 0; i < 3; ++i)
+            connect(i, j) = static_cast<unsigned int>((j / 3 * 4096 + random() % 2 * 16384 + random() % 3) % nodes);
     for (const bool ascii : {true, false})
         EXPECT_TRUE(write_stl(pos, connect, ascii).bytes == model_of(pos, connect, ascii));
 }
