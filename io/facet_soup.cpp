@@ -6,6 +6,7 @@
 #include <tessolv/spatial.h>
 
 #include "core/columns.h"
+#include "core/large_pages.h"
 #include "core/return_codes.h"
 #include "io/facet_geometry.h"
 #include "io/growing_columns.h"
@@ -47,7 +48,9 @@ bool is_surely_higher(const vector3 (&P)[3], double value)
 
 bool facet_soup::reserve(std::uint64_t facets)
 {
-    return pos.reserve(3, 3 * facets) && connect.reserve(3, facets);
+    if (!pos.reserve(3, 3 * facets) || !connect.reserve(3, facets)) return false;
+    if (facets != 0) prefer_large_pages(pos.buffer->data, pos.buffer->capacity * sizeof(double));
+    return true;
 }
 
 bool facet_soup::add_corner(const double* corner)

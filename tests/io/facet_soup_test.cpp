@@ -77,3 +77,22 @@ TEST(FacetSoup, FindsTheHeightThatTheFormulaGivesToTheBit)
         ASSERT_EQ(std::bit_cast<std::uint64_t>(least_height_of(all)), std::bit_cast<std::uint64_t>(model_of(all)));
     }
 }
+
+TEST(FacetSoup, ComparesTinyHeightsExactly)
+{
+    // Around 2^-268 the fourth powers are a few units of the smallest double.
+    std::mt19937_64 random(2);
+    std::normal_distribution<double> normal;
+    std::uniform_real_distribution<double> factor(1.0, 1.4);
+    for (int k = 0; k < 20000; ++k) {
+        facets all;
+        const double scale = std::ldexp(1.0, static_cast<int>(random() % 8) - 272);
+        for (const double size : {factor(random) * scale, scale}) {
+            test::facet_corners facet(3, {0, 0, 0});
+            for (std::size_t corner = 1; corner < 3; ++corner)
+                for (double& x : facet[corner]) x = size * normal(random);
+            all.push_back(facet);
+        }
+        ASSERT_EQ(least_height_of(all), model_of(all));
+    }
+}

@@ -318,6 +318,22 @@ TEST(ReadNumber, ReadsAFileOfManyBlocksAsTheRuntimeDoes)
     }
 }
 
+TEST(ReadNumber, ReadsANumberThatLiesAcrossTwoBlocks)
+{
+    const std::string number = "-1.234567890123456789e-0123";  // as long as a plain one can be
+    for (const number_rules rules : both)
+        for (std::size_t blanks = (1 << 18) - 40; blanks < (1 << 18) + 4; ++blanks) {
+            const test::temporary_file file(std::string(blanks, ' ') + number + " ");
+            block_reader in;
+            double value = 0;
+            ASSERT_EQ(in.open(file.name()), 0);
+            in.pass_while(is_space);
+            ASSERT_TRUE(read_number(in, rules, value));
+            EXPECT_EQ(value, std::strtod(number.c_str(), nullptr));
+            EXPECT_EQ(in.peek(), ' ');
+        }
+}
+
 TEST(ReadNumber, ReadsANumberThatEndsWithTheFile)
 {
     for (const char* text : {"1.25", "12345678901234567890", "0x1.4p0", "1.25e"}) {

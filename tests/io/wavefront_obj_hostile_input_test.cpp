@@ -12,6 +12,7 @@
 #include "io/wavefront_obj_model.h"
 #include "support/comma_locale.h"
 #include "support/open_files.h"
+#include "support/small_stack.h"
 
 using namespace zeb::tessolv;
 using namespace test;
@@ -113,4 +114,13 @@ TEST(WavefrontOBJInput, ClosesTheFileOnEveryReturn)
     const std::ptrdiff_t before = open_files();
     for (const char* name : {good.name(), bad.name(), "/tmp", "/proc/self/mem"}) read_file(name);
     EXPECT_EQ(open_files(), before);
+}
+
+TEST(WavefrontOBJInput, MakesDoWithASmallStack)
+{
+    const temporary_file file("v 1 2 " + std::string(1000, '7') + "e-1000\nv 0x1 " + std::string(1000, '7') + " 3\n");
+    obj_mesh m;
+    run_on_small_stack([&] { m = read_file(file.name()); });
+    EXPECT_EQ(m.code, -1);
+    EXPECT_EQ(m.pos.cols, 1U);
 }
