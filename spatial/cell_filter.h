@@ -12,7 +12,7 @@
 namespace zeb::tessolv {
 
 // Tells in a glance that nothing is near a point: points are entered into a grid of cells, wide against the distance
-// that counts, and each cell has a few bits in a table. Cells may meet in the table; so the answers err on the side of
+// that counts, and each cell has two bits in a table. Cells may meet in the table; so the answers err on the side of
 // company, never of loneliness.
 template <int D>
 class cell_filter {
@@ -20,37 +20,45 @@ public:
     // For `count` points and boxes around points that reach as far as `half_width` to each side. False without memory.
     [[nodiscard]] bool allocate(std::size_t count, double half_width);
 
-    void enter(const point<D>& x);
+    // Where a point is in the grid.
+    struct spot {
+        std::uint64_t place;  // of its cell in the table
+        bool is_inner;        // the box around it meets no other cell
+    };
+    spot locate(const point<D>& x);
+    void prefetch(const spot& s) const { __builtin_prefetch(&words_[s.place / 32]); }
 
-    // Whether the box around x holds no point that was entered, apart from x itself if that was.
-    bool is_alone(const point<D>& x, bool was_entered);
+    void enter(const spot& s) { set_bits(s.place, bits_at(s.place) == 0 ? one_point : many_points); }
+
+    // Whether the box around x, which is at the spot s, holds no point that was entered, apart from x itself if that was.
+    bool is_alone(const point<D>& x, const spot& s, bool was_entered) const;
 
     // The same cells as marks: after forget(), cells that meet the box around x are marked.
     void forget() { std::fill(words_.begin(), words_.end(), 0u); }
     void mark_around(const point<D>& x);
-    bool is_marked(const point<D>& x) const { return is_blind_ || bits_of(cell_of(x)) != 0; }
+    bool is_marked(const spot& s) const { return is_blind_ || bits_at(s.place) != 0; }
 
 private:
     // Coordinates and boxes of this size could overflow: with one of them all points have company.
     static constexpr double too_large = 1e300;
-
-    // Below this the number of a cell is exact. Beyond it the coordinates are so far apart from one another that each
-    // is a cell of its own.
+    // Below this the number of a cell is exact. Beyond it coordinates are so far apart from one another that each is a
+    // cell of its own, and has its bits for a number.
     static constexpr double most_cells = 4503599627370496.0;  // 2^52
+    static constexpr double cell_width = 16.0;                // in half-widths
 
     static constexpr std::uint64_t one_point = 1;
     static constexpr std::uint64_t many_points = 3;
 
-    void see(const point<D>& x);
-    double cell_along(double x) const;
-    point<D> cell_of(const point<D>& x) const;
-    std::uint64_t place_of(const point<D>& cell) const { return hash_of(cell) & mask_; }
-    std::uint64_t bits_of(const point<D>& cell) const;
-    void set_bits(const point<D>& cell, std::uint64_t bits);
+    using cell = std::array<std::uint64_t, D>;
+
+    cell cell_of(const point<D>& x) const;
+    std::uint64_t place_of(const cell& c) const { return hash_of(c) & mask_; }
+    std::uint64_t bits_at(std::uint64_t place) const { return words_[place / 32] >> (place % 32 * 2) & 3; }
+    void set_bits(std::uint64_t place, std::uint64_t bits) { words_[place / 32] |= bits << (place % 32 * 2); }
     template <class Visit>
     void visit_cells_around(const point<D>& x, Visit visit) const;
 
-    scratch<std::uint64_t> words_;  // two bits per cell
+    scratch<std::uint64_t> words_;  // of 32 cells each
     std::uint64_t mask_ = 0;
     double half_width_ = 0;
     double cells_per_unit_ = 0;
@@ -60,8 +68,7 @@ private:
 template <int D>
 bool cell_filter<D>::allocate(std::size_t count, double half_width)
 {
-    constexpr double cell_width = 8.0;  // in half-widths: a box meets at most two cells along each dimension
-    constexpr double least = 1e-300;    // its inverse is finite
+    constexpr double least = 1e-300;  // its inverse is finite
     half_width_ = half_width;
     is_blind_ = !(half_width < too_large);
     cells_per_unit_ = 1.0 / std::max(cell_width * half_width, least);
@@ -71,87 +78,75 @@ bool cell_filter<D>::allocate(std::size_t count, double half_width)
 }
 
 template <int D>
-double cell_filter<D>::cell_along(double x) const
+typename cell_filter<D>::cell cell_filter<D>::cell_of(const point<D>& x) const
 {
-    const double cell = x * cells_per_unit_;
-    return std::abs(cell) < most_cells ? std::floor(cell) : x;
+    cell c;
+    for (int d = 0; d < D; ++d) {
+        const double number = x[d] * cells_per_unit_;
+        if (std::abs(number) < most_cells) {
+            const auto whole = static_cast<std::int64_t>(number);
+            c[d] = static_cast<std::uint64_t>(whole - (static_cast<double>(whole) > number));  // rounded down
+        } else {
+            c[d] = std::bit_cast<std::uint64_t>(x[d]);
+        }
+    }
+    return c;
 }
 
 template <int D>
-point<D> cell_filter<D>::cell_of(const point<D>& x) const
+typename cell_filter<D>::spot cell_filter<D>::locate(const point<D>& x)
 {
-    point<D> cell;
-    for (int d = 0; d < D; ++d) cell[d] = cell_along(x[d]);
-    return cell;
+    constexpr double margin = 1.5 / cell_width;  // with room for rounding, in grids that are not too fine
+    constexpr double fine = 1099511627776.0;     // 2^40
+    const cell c = cell_of(x);
+    bool is_inner = true;
+    for (int d = 0; d < D; ++d) {
+        is_blind_ |= !(std::abs(x[d]) < too_large);
+        const double number = x[d] * cells_per_unit_;
+        const double inside = number - static_cast<double>(static_cast<std::int64_t>(c[d]));
+        is_inner &= margin < inside && inside < 1.0 - margin && std::abs(number) < fine;
+    }
+    return {place_of(c), is_inner};
 }
 
-template <int D>
-std::uint64_t cell_filter<D>::bits_of(const point<D>& cell) const
-{
-    const std::uint64_t place = place_of(cell);
-    return words_[place / 32] >> (place % 32 * 2) & 3;
-}
-
-template <int D>
-void cell_filter<D>::set_bits(const point<D>& cell, std::uint64_t bits)
-{
-    const std::uint64_t place = place_of(cell);
-    words_[place / 32] |= bits << (place % 32 * 2);
-}
-
-template <int D>
-void cell_filter<D>::see(const point<D>& x)
-{
-    for (const double value : x) is_blind_ |= !(std::abs(value) < too_large);
-}
-
-template <int D>
-void cell_filter<D>::enter(const point<D>& x)
-{
-    see(x);
-    const point<D> cell = cell_of(x);
-    set_bits(cell, bits_of(cell) == 0 ? one_point : many_points);
-}
-
-// The cells of the lower and of the upper bound are all that a box meets: it is narrower than a cell, and where cells
+// The cells of the lower and of the upper bounds are all that a box meets: it is narrower than a cell, and where cells
 // are single coordinates, nothing lies between its bounds.
 template <int D>
 template <class Visit>
 void cell_filter<D>::visit_cells_around(const point<D>& x, Visit visit) const
 {
     const box<D> b = box_around<D>(x, half_width_);
-    const point<D> lower = cell_of(b.lower);
-    const point<D> upper = cell_of(b.upper);
-    for (unsigned int corner = 0; corner < 1u << D; ++corner) {
-        point<D> cell;
+    const cell lower = cell_of(b.lower);
+    const cell upper = cell_of(b.upper);
+    visit(place_of(lower));
+    if (lower == upper) return;
+    for (unsigned int corner = 1; corner < 1u << D; ++corner) {
+        cell c = lower;
         bool is_new = true;
         for (int d = 0; d < D; ++d) {
-            const bool is_upper = (corner >> d & 1) != 0;
-            cell[d] = is_upper ? upper[d] : lower[d];
-            is_new &= !is_upper || lower[d] != upper[d];
+            if ((corner >> d & 1) == 0) continue;
+            c[d] = upper[d];
+            is_new &= lower[d] != upper[d];
         }
-        if (is_new) visit(cell);
+        if (is_new) visit(place_of(c));
     }
 }
 
 template <int D>
-bool cell_filter<D>::is_alone(const point<D>& x, bool was_entered)
+bool cell_filter<D>::is_alone(const point<D>& x, const spot& s, bool was_entered) const
 {
-    see(x);
     if (is_blind_) return false;
-    const std::uint64_t own_place = place_of(cell_of(x));
+    const std::uint64_t own_bits = was_entered ? one_point : 0;
+    if (s.is_inner) return bits_at(s.place) == own_bits;
     bool alone = true;
-    visit_cells_around(x, [&](const point<D>& cell) {
-        const bool is_own = place_of(cell) == own_place;
-        alone &= bits_of(cell) == (is_own && was_entered ? one_point : 0);
-    });
+    visit_cells_around(x, [&](std::uint64_t place) { alone &= bits_at(place) == (place == s.place ? own_bits : 0); });
     return alone;
 }
 
 template <int D>
 void cell_filter<D>::mark_around(const point<D>& x)
 {
-    visit_cells_around(x, [this](const point<D>& cell) { set_bits(cell, one_point); });
+    visit_cells_around(x, [this](std::uint64_t place) { set_bits(place, one_point); });
 }
 
 }  // namespace zeb::tessolv

@@ -11,7 +11,6 @@
 #include <zeb/dense2D.h>
 
 #include "core/columns.h"
-#include "editing/hash_slots.h"
 
 // Positions in 2 or 3 dimensions and the arithmetic that searching and merging share. Comparisons stand as they are
 // written: with a NaN they are all false.
@@ -52,13 +51,28 @@ double distance(const std::array<double, D>& a, const std::array<double, D>& b)
     return std::sqrt(squared_distance(a, b));
 }
 
-// Spreads the bits of a position; equal positions, also where one has the zero of the other sign, have equal hashes.
+// Spreads the bits of some words. Of numbers in a lattice only the high bits differ: each word is folded down before the
+// next one comes in.
+template <std::size_t N>
+std::uint64_t hash_of(const std::array<std::uint64_t, N>& words)
+{
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15u;  // 2^64 / the golden ratio
+    std::uint64_t hash = 0;
+    for (const std::uint64_t word : words) {
+        hash = (hash ^ word) * odd;
+        hash ^= hash >> 32;
+    }
+    hash *= odd;
+    return hash ^ (hash >> 29);
+}
+
+// Equal positions, also where one has the zero of the other sign, have equal hashes.
 template <std::size_t D>
 std::uint64_t hash_of(const std::array<double, D>& x)
 {
-    std::uint64_t hash = 0;
-    for (const double value : x) hash = mixed(hash + std::bit_cast<std::uint64_t>(value + 0.0));
-    return hash;
+    std::array<std::uint64_t, D> words;
+    for (std::size_t d = 0; d < D; ++d) words[d] = std::bit_cast<std::uint64_t>(x[d] + 0.0);
+    return hash_of(words);
 }
 
 // An axis-aligned box; its sides belong to it.

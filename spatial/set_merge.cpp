@@ -23,7 +23,7 @@ template <int D>
 class set_merge {
 public:
     set_merge(const dense2D<double>& pos, double tolerance, unsigned int* new_IDs)
-        : sites_(pos), tolerance_(tolerance), new_IDs_(new_IDs)
+        : pos_(pos), sites_(pos), tolerance_(tolerance), new_IDs_(new_IDs)
     {
     }
 
@@ -44,7 +44,8 @@ private:
     static constexpr std::uint32_t beyond_all = last_rank + 1;
 
     bool is_free(unsigned int node) const { return new_IDs_[node] == node; }
-    bool has_free(const site& s, unsigned int other_than) const;
+    bool has_free(const site<D>& s, unsigned int other_than) const;
+    bool find_sites(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets);
     bool list_visitors(const dense1D<unsigned int>& visitors);
     bool find_company();
     bool is_lonely_bystander(const visitor& v) const;
@@ -52,9 +53,13 @@ private:
     bool start_round();
     double reach_of(std::uint32_t end) const;
     outcome collect(std::uint32_t begin, std::uint32_t end, std::uint64_t most);
+    bool add_own_pairs(std::uint32_t begin, std::uint32_t end);
+    void apply(const node_pair& pair);
     void apply_pairs();
-    void settle_followers(const dense1D<unsigned int>& targets);
+    void settle_followers();
 
+    const dense2D<double>& pos_;
+    dense1D<unsigned int> targets_;
     site_table<D> sites_;
     double tolerance_;
     unsigned int* new_IDs_;
@@ -67,9 +72,7 @@ private:
 template <int D>
 bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets, std::uint64_t most)
 {
-    const bool one_list = visitors.data() == targets.data() && visitors.size == targets.size;
-    if (!(one_list ? sites_.build(visitors) : sites_.build(visitors, targets))) return false;
-    if (!list_visitors(visitors) || !find_company()) return false;
+    if (!find_sites(visitors, targets) || !list_visitors(visitors) || !find_company()) return false;
     const auto lonely = [this](const visitor& v) { return is_lonely_bystander(v); };
     const auto end = std::remove_if(visitors_.begin(), visitors_.end(), lonely);
     visitors_.truncate(static_cast<std::size_t>(end - visitors_.begin()));
@@ -79,15 +82,28 @@ bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsi
         apply_pairs();
     else if (at_once == outcome::no_memory || !merge_in_rounds(most))
         return false;
-    settle_followers(targets);
+    settle_followers();
     // The nodes on the way are visitors too.
     for (const unsigned int node : visitors) follow(new_IDs_, node);
     return true;
 }
 
+// One list needs no look at the hidden nodes unless a NaN turns up.
+template <int D>
+bool set_merge<D>::find_sites(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets)
+{
+    targets_.shallow_copy(targets);
+    const bool one_list = visitors.data() == targets.data() && visitors.size == targets.size;
+    if (one_list) {
+        if (!sites_.build(visitors)) return false;
+        if (!sites_.has_nan()) return true;
+    }
+    return find_visible_nodes<D>(pos_, targets, targets_) && sites_.build(visitors, targets_);
+}
+
 // Whether a target of the site other than the given node is free. Targets of a site are taken together.
 template <int D>
-bool set_merge<D>::has_free(const site& s, unsigned int other_than) const
+bool set_merge<D>::has_free(const site<D>& s, unsigned int other_than) const
 {
     return (s.target != NONE_INDEX && s.target != other_than && is_free(s.target)) ||
            (s.followers != 0 && s.taken_by == NONE_INDEX);
@@ -113,22 +129,30 @@ template <int D>
 bool set_merge<D>::find_company()
 {
     cell_filter<D> cells;
-    if (!cells.allocate(sites_.size(), tolerance_)) return false;
-    for (std::size_t s = 0; s < sites_.size(); ++s)
-        if (sites_[s].target != NONE_INDEX) cells.enter(sites_.position(s));
+    scratch<typename cell_filter<D>::spot> spots;
+    if (!cells.allocate(sites_.size(), tolerance_) || !spots.allocate(sites_.size())) return false;
+    // The memory of several is fetched ahead.
+    constexpr std::size_t ahead = 16;
+    const auto prefetch = [&](std::size_t s) { cells.prefetch(spots[std::min<std::size_t>(s, sites_.size() - 1)]); };
+    const auto has_target = [this](std::size_t s) { return sites_[s].target != NONE_INDEX; };
+    for (std::size_t s = 0; s < sites_.size() + ahead; ++s) {
+        if (s < sites_.size()) cells.prefetch(spots[s] = cells.locate(sites_[s].x));
+        if (s >= ahead && has_target(s - ahead)) cells.enter(spots[s - ahead]);
+    }
     bool any = false;
     for (visitor& v : visitors_) {
-        v.has_company = !cells.is_alone(sites_.position(v.site), sites_[v.site].target != NONE_INDEX);
+        prefetch(v.site + ahead);
+        v.has_company = !cells.is_alone(sites_[v.site].x, spots[v.site], has_target(v.site));
         any |= v.has_company;
     }
     scratch<typename balanced_tree<D>::item> looked_at;
     if (any) {
         cells.forget();
         for (const visitor& v : visitors_)
-            if (v.has_company) cells.mark_around(sites_.position(v.site));
+            if (v.has_company) cells.mark_around(sites_[v.site].x);
         for (unsigned int s = 0; s < sites_.size(); ++s) {
-            const point<D> x = sites_.position(s);
-            if (sites_[s].target != NONE_INDEX && cells.is_marked(x) && !looked_at.push_back({x, s})) return false;
+            prefetch(s + ahead);
+            if (has_target(s) && cells.is_marked(spots[s]) && !looked_at.push_back({sites_[s].x, s})) return false;
         }
     }
     return neighborhood_.build(looked_at);
@@ -138,14 +162,14 @@ bool set_merge<D>::find_company()
 template <int D>
 bool set_merge<D>::is_lonely_bystander(const visitor& v) const
 {
-    const site& own = sites_[v.site];
+    const site<D>& own = sites_[v.site];
     if (v.node != own.bystander) return false;
-    const box<D> around = box_around<D>(sites_.position(v.site), tolerance_);
+    const box<D> around = box_around<D>(sites_[v.site].x, tolerance_);
     std::uint64_t hits = 0;
     const auto count = [&](unsigned int s) { return (hits += 1u + sites_[s].followers) < 2; };
     if (v.has_company)
         neighborhood_.visit_box(around, [&](const auto& item) { return count(item.id); });
-    else if (own.target != NONE_INDEX && around.contains(sites_.position(v.site)))
+    else if (own.target != NONE_INDEX && around.contains(sites_[v.site].x))
         count(v.site);
     return hits < 2;
 }
@@ -159,7 +183,7 @@ double set_merge<D>::reach_of(std::uint32_t end) const
     return end == beyond_all ? tolerance_ : std::min(tolerance_, distance_of(end) * rounding + underflow);
 }
 
-// Collects the pairs whose distance has a rank of [begin, end). Gives up when more than `most` sites were looked at.
+// Collects the pairs whose distance has a rank of [begin, end). Gives up when more than `most` neighbours were looked at.
 template <int D>
 typename set_merge<D>::outcome set_merge<D>::collect(std::uint32_t begin, std::uint32_t end, std::uint64_t most)
 {
@@ -168,52 +192,74 @@ typename set_merge<D>::outcome set_merge<D>::collect(std::uint32_t begin, std::u
     std::uint64_t looked_at = 0;
     pairs_.clear();
     for (const visitor& v : visitors_) {
-        const point<D> P = sites_.position(v.site);
+        if (!v.has_company) continue;
+        const point<D>& P = sites_[v.site].x;
         const box<D> around = box_around<D>(P, tolerance_);
-        const auto consider = [&](const point<D>& x, unsigned int s) {
-            const double d = distance(x, P);
+        neighborhood_.visit_box(box_around<D>(P, reach), [&](const auto& item) {
+            const double d = distance(item.x, P);
             const std::uint32_t rank = rank_of(d);
             if (++looked_at > most)
                 result = outcome::too_many;
-            else if (around.contains(x) && !(d > tolerance_) && begin <= rank && rank < end &&
-                     !pairs_.push_back({rank, v.visit, v.node, s}))
+            else if (item.id != v.site && around.contains(item.x) && !(d > tolerance_) && begin <= rank && rank < end &&
+                     !pairs_.push_back({rank, v.visit, v.node, item.id}))
                 result = outcome::no_memory;
             return result == outcome::complete;
-        };
-        if (has_free(sites_[v.site], v.node)) consider(P, v.site);
-        if (v.has_company)
-            neighborhood_.visit_box(box_around<D>(P, reach),
-                                    [&](const auto& item) { return item.id == v.site || consider(item.x, item.id); });
+        });
         if (result != outcome::complete) return result;
     }
-    return result;
+    return add_own_pairs(begin, end) ? outcome::complete : outcome::no_memory;
+}
+
+// Adds the pairs of visitors and their own sites, at distance 0 or, of infinite coordinates, NaN. As a rule they come
+// before all others; then they are applied here and now.
+template <int D>
+bool set_merge<D>::add_own_pairs(std::uint32_t begin, std::uint32_t end)
+{
+    const auto at_no_distance = [](const node_pair& pair) { return pair.rank == 0; };
+    const bool come_first = begin == 0 && std::none_of(pairs_.begin(), pairs_.end(), at_no_distance);
+    for (const visitor& v : visitors_) {
+        const site<D>& own = sites_[v.site];
+        if (!has_free(own, v.node)) continue;
+        const std::uint32_t rank = rank_of(distance(own.x, own.x));
+        if (rank < begin || end <= rank || !box_around<D>(own.x, tolerance_).contains(own.x)) continue;
+        const node_pair pair{rank, v.visit, v.node, v.site};
+        if (rank == 0 && come_first)
+            apply(pair);
+        else if (!pairs_.push_back(pair))
+            return false;
+    }
+    return true;
+}
+
+template <int D>
+void set_merge<D>::apply(const node_pair& pair)
+{
+    if (!is_free(pair.visitor)) return;
+    site<D>& s = sites_[pair.target];
+    if (s.target != pair.visitor && is_free(s.target)) {
+        new_IDs_[s.target] = pair.visitor;
+        ++merges_;
+    }
+    if (s.followers != 0 && s.taken_by == NONE_INDEX) {
+        s.taken_by = pair.visitor;
+        merges_ += s.followers;
+    }
 }
 
 template <int D>
 void set_merge<D>::apply_pairs()
 {
     sort_closest_first(pairs_);
-    for (const node_pair& pair : pairs_) {
-        if (!is_free(pair.visitor)) continue;
-        site& s = sites_[pair.target];
-        if (s.target != pair.visitor && is_free(s.target)) {
-            new_IDs_[s.target] = pair.visitor;
-            ++merges_;
-        }
-        if (s.followers != 0 && s.taken_by == NONE_INDEX) {
-            s.taken_by = pair.visitor;
-            merges_ += s.followers;
-        }
-    }
+    for (const node_pair& pair : pairs_) apply(pair);
 }
 
 template <int D>
-void set_merge<D>::settle_followers(const dense1D<unsigned int>& targets)
+void set_merge<D>::settle_followers()
 {
-    for (std::uint64_t k = 0; k < targets.size; ++k) {
+    for (std::uint64_t k = 0; k < targets_.size; ++k) {
         if (sites_.of_target(k) == NONE_INDEX) continue;
-        const site& s = sites_[sites_.of_target(k)];
-        if (targets[k] != s.target && s.taken_by != NONE_INDEX) new_IDs_[targets[k]] = s.taken_by;
+        const site<D>& s = sites_[sites_.of_target(k)];
+        if (targets_[k] != s.target && s.taken_by != NONE_INDEX) new_IDs_[targets_[k]] = s.taken_by;
     }
 }
 
@@ -254,7 +300,7 @@ bool set_merge<D>::start_round()
     for (visitor& v : visitors_) v.has_company = true;
     scratch<typename balanced_tree<D>::item> open;
     for (unsigned int s = 0; s < sites_.size(); ++s)
-        if (has_free(sites_[s], NONE_INDEX) && !open.push_back({sites_.position(s), s})) return false;
+        if (has_free(sites_[s], NONE_INDEX) && !open.push_back({sites_[s].x, s})) return false;
     return neighborhood_.build(open);
 }
 
@@ -262,10 +308,8 @@ template <int D>
 bool run_merge(const dense2D<double>& pos, const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets,
                double tolerance, std::uint64_t most, unsigned int* new_IDs, std::uint64_t& merges)
 {
-    dense1D<unsigned int> visible;
-    if (!find_visible_nodes<D>(pos, targets, visible)) return false;
     set_merge<D> merge(pos, tolerance, new_IDs);
-    const bool done = merge.run(visitors, visible, most);
+    const bool done = merge.run(visitors, targets, most);
     merges = merge.merges();
     return done;
 }
