@@ -39,7 +39,7 @@ const dense2D<double>& nodes()
 
 dense2D<unsigned> make_triangles(bool shuffled)
 {
-    std::vector<unsigned> squares(side * side);
+    std::vector<unsigned> squares(std::size_t{side} * side);
     std::iota(squares.begin(), squares.end(), 0U);
     if (shuffled) std::shuffle(squares.begin(), squares.end(), std::mt19937_64(2));
     dense2D<unsigned> m(3, 2 * squares.size());

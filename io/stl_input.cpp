@@ -67,7 +67,9 @@ int read_text(block_reader& in, facet_soup& soup)
             if (!pass_word(in, "vertex") || !scan_vector(in, vector)) return success;
             if (!soup.add_corner(vector)) return out_of_memory;
         }
-        if (!pass_line(in) || !pass_line(in)) return success;
+        const bool has_loop_end = pass_line(in);
+        const bool has_facet_end = pass_line(in);
+        if (!has_loop_end || !has_facet_end) return success;
         if (!soup.add_facet_of_last_corners()) return out_of_memory;
         if (soup.connect.cols == sample) foresee_rest(in, soup);
     }

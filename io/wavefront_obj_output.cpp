@@ -1,4 +1,3 @@
-#include <cstring>
 #include <string_view>
 
 #include <tessolv/io.h>
@@ -35,8 +34,7 @@ void write_faces(block_writer& out, const dense2D<unsigned int>& connect, bool h
     constexpr std::size_t face_room = 16 + 4 * 3 * 12;
     for (std::uint64_t j = 0; j < connect.cols; ++j) {
         char* at = out.room(face_room);
-        std::memcpy(at, " f ", 3);
-        at += 3;
+        for (const char c : {' ', 'f', ' '}) *at++ = c;
         for (std::uint64_t i = 0; i < connect.rows; ++i) {
             const unsigned int number = column(connect, j)[i] + 1;
             at = put_unsigned(at, number);
@@ -45,8 +43,9 @@ void write_faces(block_writer& out, const dense2D<unsigned int>& connect, bool h
             *at++ = '/';
             if (has_normals) at = put_unsigned(at, number);
         }
-        std::memcpy(at, " \n", 2);
-        out.advance(at + 2);
+        *at++ = ' ';
+        *at++ = '\n';
+        out.advance(at);
     }
 }
 

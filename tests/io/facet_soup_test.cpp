@@ -71,8 +71,7 @@ TEST(FacetSoup, FindsTheHeightThatTheFormulaGivesToTheBit)
                 for (std::size_t i = 0; i < 3; ++i)
                     facet[2][i] = facet[0][i] + (facet[1][i] - facet[0][i]) * (0.3 + 1e-13 * normal(random));
             if (die(random) == 0) facet[2] = facet[random() % 2];
-            if (die(random) == 0 && die(random) == 0)
-                facet[random() % 3][random() % 3] = die(random) < 5 ? NAN : HUGE_VAL;
+            if (random() % 100 == 0) facet[random() % 3][random() % 3] = die(random) < 5 ? NAN : HUGE_VAL;
         }
         ASSERT_EQ(std::bit_cast<std::uint64_t>(least_height_of(all)), std::bit_cast<std::uint64_t>(model_of(all)));
     }

@@ -272,18 +272,21 @@ TEST(NumberScan, KeepsWhatDecidesTheValueOfVeryLongNumbers)
 {
     const std::string zeros(5000, '0');
     const std::string nines(5000, '9');
+    const std::string one_and_zeros = "1" + zeros;
+    const std::string point_and_zeros = "." + zeros;
     for (std::size_t digits = 1; digits < 60; ++digits)
         for (const std::string sign : {"", "-"})
             for (const char digit : {'1', '9'}) {
-                expect_as_runtime("1.5e" + sign + std::string(digits, digit));
-                expect_as_runtime("0x1.8p" + sign + std::string(digits, digit));
+                const std::string exponent = std::string(sign).append(digits, digit);
+                expect_as_runtime("1.5e" + exponent);
+                expect_as_runtime("0x1.8p" + exponent);
             }
     for (const std::string& text :
-         {zeros + "1", "0." + zeros + "1e5001", "1" + zeros + "e-5000", "1" + zeros + "." + zeros + "1e-5000", nines,
-          nines + "e-4990", "." + nines, "9007199254740993." + zeros, "9007199254740993." + zeros + "1",
+         {zeros + "1", "0." + zeros + "1e5001", "1" + zeros + "e-5000", one_and_zeros + point_and_zeros + "1e-5000",
+          nines, nines + "e-4990", "." + nines, "9007199254740993." + zeros, "9007199254740993." + zeros + "1",
           "0x" + zeros + "1", "0x1" + zeros + "p-20000", "0x" + std::string(700, 'f') + "p-1700",
           "0x10000000000000." + std::string(900, '8'), "0x0." + zeros + "1p20004",
-          "0x20000000000001" + zeros + "1p-20004", "1e" + zeros + "5", "1e-" + nines, "-" + zeros + "." + zeros})
+          "0x20000000000001" + zeros + "1p-20004", "1e" + zeros + "5", "1e-" + nines, "-0" + point_and_zeros})
         expect_as_runtime(text);
 }
 
@@ -295,11 +298,11 @@ TEST(ReadNumber, ReadsAFileOfManyBlocksAsTheRuntimeDoes)
     for (int k = 0; k < 60000; ++k) {
         std::string text =
             k % 3 == 0 ? random_text(random) : printed(k % 3 == 1 ? "%.17g" : "%le", random_double(random));
-        if (k % 5000 == 0) text = std::string(static_cast<std::size_t>(random() % 3000), '7') + text;
+        if (k % 5000 == 0) text.insert(0, static_cast<std::size_t>(random() % 3000), '7');
         for (char& c : text)
             if (c == ' ') c = '.';
         lines.push_back(text);
-        all += text + "\n";
+        all.append(text).append("\n");
     }
     const test::temporary_file file(all);
     for (const number_rules rules : both) {

@@ -95,7 +95,8 @@ public:
             int corners = 0;
             for (; corners < 3 && std::fread(v, 1, 12, f) == 12; ++corners) nodes_.push_back({v[0], v[1], v[2]});
             if (corners < 3) break;
-            if (std::fgetc(f) == EOF || std::fgetc(f) == EOF) break;
+            char attribute[2];
+            if (std::fread(attribute, 1, 2, f) != 2) break;
             add_triangle();
         }
         return 0;
@@ -239,7 +240,8 @@ inline std::vector<facet_corners> cube_facets(double side)
 {
     constexpr int quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4}, {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
     const auto corner = [side](int n) {
-        return std::vector<double>{n % 2 * side, n / 2 % 2 * side, static_cast<double>(n / 4) * side};
+        const int x = n % 2, y = n / 2 % 2, z = n / 4;
+        return std::vector<double>{x * side, y * side, z * side};
     };
     std::vector<facet_corners> facets;
     for (const auto& q : quads) {

@@ -81,8 +81,11 @@ TEST(STLInput, HoldsNoLineInMemory)
 
 TEST(STLInput, ReadsALargeFileWhenOnlyItsForesightIsRefused)
 {
-    std::vector<facet_corners> facets;
-    for (int k = 0; k < 5000; ++k) facets.push_back({{3. * k, 0, 0}, {3. * k + 1, 0, 0}, {3. * k, 1, 0}});
+    std::vector<facet_corners> facets(5000);
+    for (std::size_t k = 0; k < facets.size(); ++k) {
+        const double x = 3.0 * static_cast<double>(k);
+        facets[k] = {{x, 0, 0}, {x + 1, 0, 0}, {x, 1, 0}};
+    }
     const temporary_file file(stl_text(facets));
     int survived = 0;
     for_each_failure([&](attempt& run) {

@@ -108,11 +108,12 @@ TEST_P(FaceLine, GivesItsFaceOrItsCode)
     const auto& [name, line, code, face] = GetParam();
     const std::string before = "v 1 1 1\nv 2 2 2\nvt 0 0\nvn 0 0 1\n";
     for (const std::string behind : {"", "\n", "\r\n", " \n", "\nf 1 2 1 2\n"}) {
-        const obj_mesh m = read_text(before + line + behind);
+        const std::string text = std::string(before).append(line).append(behind);
+        const obj_mesh m = read_text(text);
         EXPECT_EQ(m.code, code);
         EXPECT_EQ(m.trias, face.size() == 3 ? columns({face}) : columns({}));
         EXPECT_EQ(m.quads.cols, (face.size() == 4 ? 1 : 0) + (code == 0 && behind.size() > 2 ? 1 : 0));
-        EXPECT_EQ(m, model_of(before + line + behind));
+        EXPECT_EQ(m, model_of(text));
     }
 }
 
