@@ -195,7 +195,8 @@ class MergeMemory : public testing::TestWithParam<merge_case> {};
 // Runs a form in peace for the result it should have, then with each request refused: it fails and changes nothing.
 TEST_P(MergeMemory, FailsWithoutChangingAnything)
 {
-    const auto& [name, pos, tolerance] = GetParam();
+    const dense2D<double>& pos = GetParam().pos;
+    const double tolerance = GetParam().tolerance;
     const auto connect = columns({{0, 1}, {1, 2}, {2, 3}, {3, 0}});
     for (unsigned kind = 0; kind < 3; ++kind) {
         dense2D<unsigned> expected_mesh = connect;
@@ -222,7 +223,8 @@ TEST_P(MergeMemory, FailsWithoutChangingAnything)
 
 TEST_P(MergeMemory, FailsWithEmptyNewNumbersOnLists)
 {
-    const auto& [name, pos, tolerance] = GetParam();
+    const dense2D<double>& pos = GetParam().pos;
+    const double tolerance = GetParam().tolerance;
     const auto nodes1 = indices({1, 0, 1});
     const auto nodes2 = indices({3, 0, 2, 1});
     dense1D<unsigned> expected;
@@ -237,7 +239,8 @@ TEST_P(MergeMemory, FailsWithEmptyNewNumbersOnLists)
 
 TEST_P(MergeMemory, FailsWithoutMovingColumns)
 {
-    const auto& [name, before, tolerance] = GetParam();
+    const dense2D<double>& before = GetParam().pos;
+    const double tolerance = GetParam().tolerance;
     dense2D<double> expected = before;
     const int merges = merge(expected, tolerance);
     test::for_each_failure([&](attempt& run) {
