@@ -28,10 +28,10 @@ vector3 position(const dense2D<double>& pos, unsigned int node)
 
 facet facet_of(const dense2D<double>& pos, const unsigned int* nodes)
 {
-    facet f;
-    for (int k = 0; k < 3; ++k) f.corners[k] = position(pos, nodes[k]);
-    f.normal = unit_vector(cross(f.corners[1] - f.corners[0], f.corners[2] - f.corners[0]));
-    return f;
+    const vector3 A = position(pos, nodes[0]);
+    const vector3 B = position(pos, nodes[1]);
+    const vector3 C = position(pos, nodes[2]);
+    return {unit_vector(cross(B - A, C - A)), {A, B, C}};
 }
 
 // -- text
