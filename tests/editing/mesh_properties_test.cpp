@@ -60,11 +60,10 @@ protected:
 
     dense2D<T> hold(const table<T>& t)
     {
-        dense2D<T> m(t.rows, t.cols.size()), slot;
+        dense2D<T> m(t.rows, t.cols.size());
         for (std::size_t j = 0; j < m.cols; ++j)
             for (std::size_t i = 0; i < m.rows; ++i) m(i, j) = t.cols[j][i];
-        this->around_.push_back(place(m, this->storage_at_random(), slot));
-        return slot;
+        return EditingProperties::hold(m);
     }
 
     void expect_equal(const dense2D<T>& m, const table<T>& t)
@@ -172,8 +171,8 @@ TEST_F(EditingProperties, SimplifyAndCopyMeshRefuseIndicesThatAreNoNodes)
     for (int n = 0; n < cases; ++n) {
         const unsigned nodes = 1 + below(12);
         const std::size_t rows = 1 + below(4);
-        const element_list meshes[] = {random_elements(rows, 6, nodes, entries::any),
-                                       random_elements(rows, 6, nodes, entries::any)};
+        const element_list meshes[] = {random_elements(rows, 6, nodes + below(2), entries::any),
+                                       random_elements(rows, 6, nodes + below(2), entries::any)};
         dense2D<unsigned> range[] = {hold(rows, meshes[0]), hold(rows, meshes[1])};
         const auto fits = [&](unsigned k) {
             const list all = flattened({meshes[k]});

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 #include <vector>
 
@@ -54,26 +53,24 @@ protected:
     }
 
     // A list or matrix of these values, stored in any way.
-    dense1D<unsigned> hold(const list& values)
-    {
-        dense1D<unsigned> slot;
-        around_.push_back(place(indices(values), storage_at_random(), slot));
-        return slot;
-    }
+    dense1D<unsigned> hold(const list& values) { return hold(indices(values)); }
 
     dense2D<unsigned> hold(std::size_t rows, const element_list& elements)
     {
-        dense2D<unsigned> whole(rows, elements.size()), slot;
+        dense2D<unsigned> m(rows, elements.size());
         for (std::size_t j = 0; j < elements.size(); ++j)
-            for (std::size_t i = 0; i < rows; ++i) whole(i, j) = elements[j][i];
-        around_.push_back(place(whole, storage_at_random(), slot));
-        return slot;
+            for (std::size_t i = 0; i < rows; ++i) m(i, j) = elements[j][i];
+        return hold(m);
     }
 
-    storage storage_at_random() { return every_storage[below(4)]; }
+    template <class Container>
+    Container hold(const Container& values)
+    {
+        return store_.hold(values, every_storage[below(4)]);
+    }
 
+    storeroom store_;
     std::mt19937 random_{20240607};
-    std::vector<std::shared_ptr<void>> around_;  // what the buffers of lists and matrices belong to
 };
 
 inline element_list values_of(const dense2D<unsigned>& m)

@@ -4,7 +4,7 @@
 
 #include "spatial/random_points.h"
 #include "spatial/tree_model.h"
-#include "support/matrices.h"
+#include "support/stored_call.h"
 
 // Detectors over random nodes against the tree as it is defined: equal distances and coincident nodes abound.
 
@@ -76,7 +76,9 @@ TEST_P(NodeDetectorModel, AgreesOverAllColumns)
         SCOPED_TRACE(seed);
         test::random_source random(seed);
         const bool odd = seed % 4 == 3;
-        const dense2D<double> pos = test::random_points(random, GetParam(), 1 + random.below(60), odd);
+        test::storeroom store;
+        const dense2D<double> pos = store.hold(test::random_points(random, GetParam(), 1 + random.below(60), odd),
+                                               test::every_storage[random.below(4)]);
         model::tree expected(pos);
         expected.insert(all_columns(pos));
         expect_same_answers(node_detector(pos), expected, pos, random, odd);
@@ -90,7 +92,9 @@ TEST_P(NodeDetectorModel, AgreesAfterSeveralInsertionsOfLists)
         SCOPED_TRACE(seed);
         test::random_source random(seed);
         const bool odd = seed % 4 == 3;
-        const dense2D<double> pos = test::random_points(random, GetParam(), 1 + random.below(40), odd);
+        test::storeroom store;
+        const dense2D<double> pos = store.hold(test::random_points(random, GetParam(), 1 + random.below(40), odd),
+                                               test::every_storage[random.below(4)]);
         const unsigned bound = static_cast<unsigned>(pos.cols);
         model::tree expected(pos);
         node_detector detector(pos, dense1D<unsigned>());

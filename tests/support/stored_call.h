@@ -84,6 +84,21 @@ std::shared_ptr<surroundings<T>> place(const zeb::dense1D<T>& values, storage fo
     return around;
 }
 
+// Keeps what the buffers of its matrices and lists belong to: lives longer than they do.
+class storeroom {
+public:
+    template <class Container>
+    Container hold(const Container& values, storage form)
+    {
+        Container slot;
+        around_.push_back(place(values, form, slot));
+        return slot;
+    }
+
+private:
+    std::vector<std::shared_ptr<void>> around_;
+};
+
 template <class T>
 bool is_empty_throughout(const zeb::dense1D<T>& v)
 {
