@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/classic_locale.h"
 #include "support/comma_locale.h"
 #include "support/matrices.h"
 #include "support/open_files.h"
@@ -54,6 +55,7 @@ void normal_of(const double (&P)[3][3], double (&N)[3])
 
 std::string line(const char* format, const double (&v)[3])
 {
+    const test::classic_locale classic;
     char text[200];
     std::snprintf(text, sizeof text, format, v[0], v[1], v[2]);
     return text;
