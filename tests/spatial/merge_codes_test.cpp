@@ -200,6 +200,22 @@ TEST(Merge, LeavesNewNumbersEmptyForAnEmptyList)
     EXPECT_EQ(merge(pos, dense1D<unsigned>(), new_IDs, -1.0), -4);
 }
 
+TEST(Merge, ChecksItsArgumentsThoughThereIsNoNodeToMerge)
+{
+    const auto pos = points({{0, 0}, {0, 0}});
+    const auto line = points({{0}, {1}});
+    dense2D<unsigned> meshes[] = {columns({{N}}), dense2D<unsigned>()};
+    dense1D<unsigned> new_IDs = indices({5});
+    EXPECT_EQ(merge(line, dense1D<unsigned>(), new_IDs, nan), -1);
+    EXPECT_EQ(merge(pos, indices({9}), dense1D<unsigned>(), new_IDs, nan), -4);
+    for (dense2D<unsigned>* last : {meshes, meshes + 1, meshes + 2}) {
+        EXPECT_EQ(merge(line, meshes, last, new_IDs, nan, 3), -1);
+        EXPECT_EQ(merge(pos, meshes, last, new_IDs, nan, 3), -5);
+        EXPECT_EQ(merge(pos, meshes, last, new_IDs, 1.0, 3), -6);
+    }
+    EXPECT_EQ(new_IDs.size, 0u);
+}
+
 TEST(Merge, LeavesNewNumbersEmptyWhereMatricesUseNoNode)
 {
     const auto pos = points({{0, 0}, {0, 0}});

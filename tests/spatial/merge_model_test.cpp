@@ -113,6 +113,32 @@ TEST_P(MergeModel, AgreesOnAllNodes)
     }
 }
 
+TEST_P(MergeModel, AgreesOnHundredsOfNodes)
+{
+    for (unsigned seed = 0; seed < 16; ++seed) {
+        SCOPED_TRACE(seed);
+        test::random_source random(seed);
+        const auto pos = test::many_random_points(random, GetParam(), 150 + random.below(250), seed % 4 == 3);
+        const unsigned nodes = static_cast<unsigned>(pos.cols);
+        const double tolerance = seed % 3 == 0 ? random_tolerance(random, pos) : 0.02 * (seed % 12);
+        const auto list = test::random_nodes(random, 2 * nodes, nodes);
+        model::merger expected(pos, tolerance);
+        const int merges = expected.merge_sets(list, list);
+        dense1D<unsigned> new_IDs;
+        ASSERT_EQ(merge(pos, test::indices(list), new_IDs, tolerance), merges);
+        ASSERT_EQ(as_vector(new_IDs), expected.new_IDs);
+
+        std::vector<model::mesh> meshes(1, model::mesh(nodes / 2));
+        for (auto& column : meshes[0]) column = test::random_nodes(random, 4, 1 + random.below(nodes));
+        dense2D<unsigned> connect = test::columns(meshes[0]);
+        model::merger in_elements(pos, tolerance);
+        const int within = in_elements.merge_in_elements(meshes, true);
+        ASSERT_EQ(merge(pos, connect, new_IDs, tolerance, 2), within);
+        ASSERT_EQ(as_vector(new_IDs), in_elements.new_IDs);
+        ASSERT_EQ(connect, test::columns(meshes[0]));
+    }
+}
+
 using mesh_range = std::vector<dense2D<unsigned>>;
 
 struct matrix_merge {
