@@ -362,12 +362,12 @@ INSTANTIATE_TEST_SUITE_P(GetNeighbors, LargeMesh,
                                          large_mesh{"Quadrangles", EL_QUAD4, shuffled(quad_grid(80), 4)},
                                          large_mesh{"ThinNumbers", EL_TETRA4,
                                                     spread(shuffled(tetra_grid(10), 5), 3000000)},
-                                         large_mesh{"TrianglesOnOneVertex", EL_TRIA3, fan(3, 100000, 1)},
-                                         large_mesh{"TrianglesOnOneEdge", EL_TRIA3, fan(3, 100000, 2)},
+                                         large_mesh{"TrianglesOnOneVertex", EL_TRIA3, fan(3, 40000, 1)},
+                                         large_mesh{"TrianglesOnOneEdge", EL_TRIA3, fan(3, 40000, 2)},
                                          large_mesh{"TetrahedraOnOneVertex", EL_TETRA4, fan(4, 50000, 1)},
                                          large_mesh{"LinesOnOneVertex", EL_EDGE2, fan(2, 100000, 1)},
-                                         large_mesh{"OneTriangleManyTimes", EL_TRIA3, fan(3, 100000, 3)},
-                                         large_mesh{"EdgesOfOneSum", EL_TRIA3, pairs_of_one_sum(100000)}),
+                                         large_mesh{"OneTriangleManyTimes", EL_TRIA3, fan(3, 40000, 3)},
+                                         large_mesh{"EdgesOfOneSum", EL_TRIA3, pairs_of_one_sum(40000)}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(GetNeighbors, LinksMutuallyInAManifoldMesh)
