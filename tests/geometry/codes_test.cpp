@@ -114,7 +114,10 @@ TEST(ClipCodes, AreNothingToDoThenTheIndicesThenTheNormalThenTheOutput)
         {"normal of 1e-13", -4, [](clip_call& call) { call.normal = vec3(0, 0, 1e-13); }},
         {"normal of less than 1e-12", -4, [](clip_call& call) { call.normal = vec3(0, -9.99999e-13, 0); }},
         {"an output of one row", -5, [](clip_call& call) { call.out = columns({{3}}); }},
-        {"an output of three rows", -5, [](clip_call& call) { call.out = columns({{3, 4, 5}}); }},
+        {"an output of three rows", -5,
+         [](clip_call& call) {
+             call.out = columns({{3, 4, 5}});
+         }},
     };
     expect_codes_in_order(table, [](clip_call& call) {
         const auto before = call.out;

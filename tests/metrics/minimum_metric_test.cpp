@@ -30,7 +30,7 @@ void expect_close(const symmetric_fixed<double, N>& found, const symmetric_fixed
             << testing::PrintToString(found) << " instead of " << testing::PrintToString(expected);
 }
 
-TEST(MinimumMetric, OfTheUnitTensorAndFourTimesIt)
+TEST(MinimumMetric, OfTheUnitTensorAndFourTimesItIsTheLatter)
 {
     S2 flat;
     EXPECT_TRUE(minimum_metric(S2(1, 0, 1), S2(4, 0, 4), flat));
