@@ -237,6 +237,26 @@ TEST(Rotate, AQuarterAboutEachAxisFollowsTheRightHand)
     expect_near(about_y, points({{1, 0, 0}}), 1e-15);
 }
 
+// Where a component of the axis is 0, the other two alone give an entry of the matrix that is nothing but b x y.
+TEST(Rotate, ByAnAngleOfAFifthTakesTheSeriesAndByMoreTheClosedForm)
+{
+    const auto turned = [](double x, double y) {
+        auto pos = points({{1, 0, 0}});
+        EXPECT_EQ(rotate(pos, vec3(), vec3(x, y, 0)), 1);
+        return pos(1, 0);
+    };
+    const double x = 0.12, y = 0.16, more = std::nextafter(y, 1.0) + 1e-16;
+    const auto closed_form = [](double angle) { return (1.0 - std::cos(angle)) / (angle * angle); };
+    ASSERT_EQ(std::sqrt(x * x + y * y), 0.2);
+    const double s = 0.2 * 0.2;
+    const double series = 1.0 / 2.0 - s / 24.0 + s * s / 720.0 - s * s * s / 40320.0 + s * s * s * s / 3628800.0;
+    EXPECT_DOUBLE_EQ(turned(x, y), series * (x * y));
+    EXPECT_NE(turned(x, y), closed_form(0.2) * (x * y));
+    const double beyond = std::sqrt(x * x + more * more);
+    ASSERT_GT(beyond, 0.2);
+    EXPECT_EQ(turned(x, more), closed_form(beyond) * (x * more));
+}
+
 TEST(Rotate, TurnsAFlatMeshOutOfItsPlane)
 {
     auto pos = points({{1, 0}, {1, 2}});

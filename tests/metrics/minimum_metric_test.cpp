@@ -121,6 +121,14 @@ TEST(MinimumMetric, MayBeStoredInEitherTensor)
     EXPECT_EQ(in_first, expected);
     EXPECT_EQ(in_second, expected);
     expect_close(in_both, first, 1e-14L);
+
+    const S2 flat(4, 1, 5), other(5, -1, 4);
+    S2 wanted, in_flat = flat, in_other = other;
+    ASSERT_TRUE(minimum_metric(flat, other, wanted));
+    EXPECT_TRUE(minimum_metric(in_flat, other, in_flat));
+    EXPECT_TRUE(minimum_metric(flat, in_other, in_other));
+    EXPECT_EQ(in_flat, wanted);
+    EXPECT_EQ(in_other, wanted);
 }
 
 // The stated procedure with directions P, their inverse and the two sizes in each, in extended precision: the columns v
