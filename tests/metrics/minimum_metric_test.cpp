@@ -30,7 +30,7 @@ void expect_close(const symmetric_fixed<double, N>& found, const symmetric_fixed
             << testing::PrintToString(found) << " instead of " << testing::PrintToString(expected);
 }
 
-TEST(MinimumMetric, OfTheUnitTensorAndFourTimesIt)
+TEST(MinimumMetric, OfTheUnitTensorAndFourTimesItIsTheLatter)
 {
     S2 flat;
     EXPECT_TRUE(minimum_metric(S2(1, 0, 1), S2(4, 0, 4), flat));
@@ -121,6 +121,14 @@ TEST(MinimumMetric, MayBeStoredInEitherTensor)
     EXPECT_EQ(in_first, expected);
     EXPECT_EQ(in_second, expected);
     expect_close(in_both, first, 1e-14L);
+
+    const S2 flat(4, 1, 5), other(5, -1, 4);
+    S2 wanted, in_flat = flat, in_other = other;
+    ASSERT_TRUE(minimum_metric(flat, other, wanted));
+    EXPECT_TRUE(minimum_metric(in_flat, other, in_flat));
+    EXPECT_TRUE(minimum_metric(flat, in_other, in_other));
+    EXPECT_EQ(in_flat, wanted);
+    EXPECT_EQ(in_other, wanted);
 }
 
 // The stated procedure with directions P, their inverse and the two sizes in each, in extended precision: the columns v
