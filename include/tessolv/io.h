@@ -97,7 +97,8 @@ TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, c
 ///         one entry for each from 0 to the largest, cannot be allocated; -199 other memory; -2 rows of `pos`; -3 rows
 ///         of `connect` or NONE_INDEX in a column that is written; -199 memory; -1 the file cannot be opened or
 ///         written.
-/// @note Linear, and n log n in the number of different references; 8 bytes for each reference and each element.
+/// @note Linear; n log n where the largest reference is far above the number of elements. 8 bytes for each element,
+///       and address space of 8 bytes for each reference from 0 to the largest.
 TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
                              element_type type, const dense1D<unsigned int>& refs);
 

@@ -5,6 +5,10 @@
 #include <filesystem>
 #include <limits>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <tessolv/tessolv.h>
 
 #include "io/writer_samples.h"
@@ -161,12 +165,36 @@ TEST(MeditOutputByReference, DoesNotLookAtElementsWithoutAReference)
     EXPECT_EQ(sections(file.bytes()), "End\n");
 }
 
-TEST(MeditOutputByReference, TouchesOnlyTheCountersOfReferencesThatOccur)
+// The greatest memory in KiB that a process of its own had while it wrote 64 edges of given references.
+long memory_to_write(const dense1D<unsigned>& refs)
 {
-    // Two hundred million counters, of which two are used.
+    const dense2D<unsigned> edges = filled(2, 64, 1u);
+    const pid_t child = fork();
+    if (child == 0) _exit(medit_output("/dev/null", plane, edges, EL_EDGE2, refs) == 0 ? 0 : 1);
+    int status = -1;
+    rusage usage{};
+    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+    EXPECT_EQ(status, 0);
+    return usage.ru_maxrss;
+}
+
+TEST(MeditOutputByReference, NeedsNoMoreMemoryForLargeReferences)
+{
+    dense1D<unsigned> near(64), far(64);
+    for (unsigned j = 0; j < 64; ++j) {
+        near[j] = 63 - j;
+        far[j] = (63 - j) << 18;  // 2 MiB of a table of 8 bytes for each reference lie between two of them
+    }
+    EXPECT_LT(memory_to_write(far), memory_to_write(near) + 32 * 1024);
+}
+
+TEST(MeditOutputByReference, OrdersLargeReferencesLikeSmallOnes)
+{
     const temporary_file file;
-    ASSERT_EQ(medit_output(file.name(), plane, columns({{0, 1}, {1, 2}}), EL_EDGE2, indices({200000000, 0})), 0);
-    EXPECT_EQ(sections(file.bytes()), "Edges\n2\n2 3 0 \n1 2 200000000 \n\nEnd\n");
+    ASSERT_EQ(medit_output(file.name(), plane, columns({{0, 1}, {1, 2}, {2, 3}, {3, 0}, {1, 3}}), EL_EDGE2,
+                           indices({200000000, 0, 200000000, N, 7})),
+              0);
+    EXPECT_EQ(sections(file.bytes()), "Edges\n4\n2 3 0 \n2 4 7 \n1 2 200000000 \n3 4 200000000 \n\nEnd\n");
 }
 
 struct referenced_call {

@@ -3,7 +3,10 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <random>
+
+#include <sys/mman.h>
 
 #include "support/matrices.h"
 
@@ -221,6 +224,50 @@ TEST(OverwriteInvalidMetrics, WritesThroughViewsAndSharedBuffers)
     auto middle = some.sub_vector(1, 1);
     EXPECT_EQ(overwrite_invalid_metrics(middle, sizes({3})), 0);
     EXPECT_EQ(some, sizes({0, 3, 0}));
+}
+
+// Puts the buffer record of a container where writing to it ends the program, as long as this lives.
+template <class Container>
+class locked_record {
+public:
+    explicit locked_record(Container& container) : container_(container), own_(container.buffer)
+    {
+        page_ = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (page_ == MAP_FAILED) throw std::bad_alloc();
+        container.buffer = new (page_) zeb::dense_buffer<float>(*own_);
+        mprotect(page_, size, PROT_READ);
+    }
+    locked_record(const locked_record&) = delete;
+    locked_record& operator=(const locked_record&) = delete;
+    ~locked_record()
+    {
+        container_.buffer = own_;
+        munmap(page_, size);
+    }
+
+private:
+    static constexpr std::size_t size = 4096;
+    Container& container_;
+    zeb::dense_buffer<float>* own_;
+    void* page_;
+};
+
+TEST(OverwriteInvalidMetrics, LeavesTheReferenceCountersOfDefaultsToOtherThreads)
+{
+    field default_sizes = sizes({2, 2});
+    tensor_field default_metrics = tensors({{4, 0, 4}, {9, 0, 9}});
+    const locked_record locked_sizes(default_sizes);
+    const locked_record locked_metrics(default_metrics);
+
+    field isotropic = sizes({0, 3});
+    EXPECT_EQ(overwrite_invalid_metrics(isotropic, default_sizes), 0);
+    expect_same(isotropic, sizes({2, 3}));
+    tensor_field by_sizes = tensors({{1, 0, 1}, {0, 0, 0}});
+    EXPECT_EQ(overwrite_invalid_metrics(by_sizes, default_sizes), 0);
+    EXPECT_EQ(by_sizes, tensors({{1, 0, 1}, {0.25f, 0, 0.25f}}));
+    tensor_field by_metrics = tensors({{1, 0, 1}, {0, 0, 0}});
+    EXPECT_EQ(overwrite_invalid_metrics(by_metrics, default_metrics), 0);
+    EXPECT_EQ(by_metrics, tensors({{1, 0, 1}, {9, 0, 9}}));
 }
 
 TEST(OverwriteInvalidMetrics, ReadsDefaultsAsTheyWereOnEntry)
