@@ -37,7 +37,10 @@ struct memory {
 // One run of one contestant.
 class lap {
 public:
-    explicit lap(bool with_memory) : with_memory_(with_memory) {}
+    lap(bool with_memory, bool asks) : with_memory_(with_memory), asks_(asks) {}
+
+    bool with_memory() const { return with_memory_; }
+    bool asks() const { return asks_; }  // whether the answer is wanted: for those that take long
 
     // What counts. Everything before and after it is preparation and comparison of the results.
     template <class Operation>
@@ -68,6 +71,7 @@ private:
     void stop(double before);
 
     bool with_memory_;
+    bool asks_;
 };
 
 inline const char* const ours = "tessolv";
