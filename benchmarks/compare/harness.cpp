@@ -2,14 +2,17 @@
 
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -18,6 +21,19 @@
 namespace compare {
 
 double shrink = 1.0;
+bool processor_time = false;
+
+double seconds_now()
+{
+    if (!processor_time)
+        return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    timespec own{};
+    rusage children{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &own);
+    getrusage(RUSAGE_CHILDREN, &children);
+    return double(own.tv_sec + children.ru_utime.tv_sec + children.ru_stime.tv_sec) + 1e-9 * double(own.tv_nsec) +
+           1e-6 * double(children.ru_utime.tv_usec + children.ru_stime.tv_usec);
+}
 
 // -- memory
 
@@ -76,6 +92,8 @@ settings::settings(int argc, char** argv)
         const auto value = [&] { return i + 1 < argc ? argv[++i] : ""; };
         if (option == "--quick")
             runs = 3, small_budget = 0.1, shrink = 8.0;
+        else if (option == "--processor-time")
+            processor_time = true;
         else if (option == "--runs")
             runs = std::atoi(value());
         else if (option == "--budget")
@@ -86,7 +104,7 @@ settings::settings(int argc, char** argv)
             json = value();
         else {
             std::cerr << "usage: " << argv[0]
-                      << " [--quick] [--runs N] [--budget SECONDS] [--filter REGEX] [--json FILE]\n";
+                      << " [--quick] [--processor-time] [--runs N] [--budget SECONDS] [--filter REGEX] [--json FILE]\n";
             std::exit(2);
         }
     }
@@ -155,8 +173,11 @@ void measure_memory(record& r)
     if (result[2] > slow) r.seconds.push_back(result[2]);
 }
 
-bool agree(const std::vector<double>& a, const std::vector<double>& b, double tolerance)
+bool agree(const record& one, const record& first)
 {
+    const auto& a = one.answers;
+    const auto& b = first.answers;
+    const double tolerance = one.who->tolerance;
     const auto equal = [&](double x, double y) {
         return std::abs(x - y) <= tolerance * std::max(std::abs(x), std::abs(y)) || (x != x && y != y);
     };
@@ -174,7 +195,7 @@ std::string in_words(const std::vector<double>& answers)
     return text;
 }
 
-nlohmann::json in_json(const record& r, const record& first, double tolerance)
+nlohmann::json in_json(const record& r, const record& first)
 {
     nlohmann::json j{{"name", r.who->name}, {"called", r.who->called}, {"note", r.who->note}};
     if (!r.failure.empty()) {
@@ -187,13 +208,13 @@ nlohmann::json in_json(const record& r, const record& first, double tolerance)
               {"peak", r.peak},
               {"kept", r.kept},
               {"answers", r.answers},
-              {"agrees", agree(r.answers, first.answers, tolerance)}});
+              {"agrees", agree(r, first)}});
     if (&r != &first)
         j.update({{"ratio_best", r.best() / first.best()}, {"ratio_median", r.median() / first.median()}});
     return j;
 }
 
-void print(const record& r, const record& first, double tolerance)
+void print(const record& r, const record& first)
 {
     if (!r.failure.empty()) {
         std::printf("    %-14s %s\n", r.who->name.c_str(), r.failure.c_str());
@@ -203,7 +224,7 @@ void print(const record& r, const record& first, double tolerance)
                 r.best(), r.median(), r.seconds.size(), r.peak / 1e6, r.kept / 1e6);
     if (&r != &first)
         std::printf("   ratio %7.2f best %7.2f median   %s", r.best() / first.best(), r.median() / first.median(),
-                    agree(r.answers, first.answers, tolerance) ? "agrees" : "DIFFERS");
+                    agree(r, first) ? "agrees" : "DIFFERS");
     std::printf("   %s%s%s\n", r.who->called.c_str(), r.who->note.empty() ? "" : "; ", r.who->note.c_str());
 }
 
@@ -218,7 +239,11 @@ report::report(std::string family, const settings& s) : family_(std::move(family
 report::~report()
 {
     if (!settings_.json.empty())
-        std::ofstream(settings_.json) << nlohmann::json{{"family", family_}, {"rows", rows_->json}}.dump(1) << '\n';
+        std::ofstream(settings_.json) << nlohmann::json{{"family", family_},
+                                                        {"clock", processor_time ? "processor" : "wall"},
+                                                        {"rows", rows_->json}}
+                                             .dump(1)
+                                      << '\n';
     delete rows_;
 }
 
@@ -255,9 +280,9 @@ void report::measure(const row& r)
                   {"within", r.limit.within},     {"printed", r.limit.printed}, {"integers", r.limit.integers},
                   {"scanned", r.limit.scanned},   {"stored", r.limit.stored},   {"loaded", r.limit.loaded}};
     for (const auto& one : records) {
-        print(one, records.front(), r.tolerance);
-        j["contestants"].push_back(in_json(one, records.front(), r.tolerance));
-        agreed_ = agreed_ && (!one.failure.empty() || agree(one.answers, records.front().answers, r.tolerance));
+        print(one, records.front());
+        j["contestants"].push_back(in_json(one, records.front()));
+        agreed_ = agreed_ && (!one.failure.empty() || agree(one, records.front()));
     }
     if (!records.empty())
         std::printf("    compared: %s: %s\n", r.compared.c_str(), in_words(records.front().answers).c_str());

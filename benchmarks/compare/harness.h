@@ -1,7 +1,7 @@
 #ifndef TESSOLV_BENCHMARKS_COMPARE_HARNESS_H
 #define TESSOLV_BENCHMARKS_COMPARE_HARNESS_H
 
-#include <chrono>
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -34,6 +34,10 @@ struct memory {
     static void reset();  // gives what was freed back to the system first
 };
 
+// On a busy machine the time that the process had a processor, and its children, tells more than the clock on the wall.
+extern bool processor_time;
+double seconds_now();
+
 // One run of one contestant.
 class lap {
 public:
@@ -47,9 +51,11 @@ public:
     void timed(Operation operation)
     {
         const double before = start();
-        const auto begin = std::chrono::steady_clock::now();
+        if (entered != nullptr) entered();
+        const double begin = seconds_now();
         operation();
-        seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+        seconds = seconds_now() - begin;
+        if (left != nullptr) left();
         stop(before);
     }
 
@@ -59,6 +65,10 @@ public:
     // What the operation found. A peer that tells less gives the first values only.
     void answer(std::vector<double> values) { answers = std::move(values); }
     void decline() { declined = true; }
+
+    // For those who count something else than seconds.
+    static inline void (*entered)() = nullptr;
+    static inline void (*left)() = nullptr;
 
     double seconds = 0.0;
     double peak = 0.0;  // memory beyond the inputs, results included
@@ -83,6 +93,7 @@ struct contestant {
     const char* called;  // what of it was called
     const char* note;    // in what it does less or more; empty when it is the same
     std::function<void(const Input&, lap&)> run;
+    double tolerance = 0.0;  // of its answers, where it is coarser than the case allows
 };
 
 template <class Input>
@@ -116,12 +127,12 @@ bool enter(std::vector<contestant<Input>> more)
 struct runner {
     std::string name, called, note;
     std::function<void(lap&)> run;
+    double tolerance;
 };
 
 struct row {
     std::string family, operation, size, numbering, compared;
     cost limit;
-    double tolerance;
     std::vector<runner> runners;
 };
 
@@ -160,12 +171,13 @@ void measure_cases(report& all, const std::string& family, const std::vector<cas
             const std::string numbering = !c.has_order ? "" : shuffled ? "shuffled" : "ordered";
             if ((shuffled && !c.has_order) || !all.wants(c.operation, c.size, numbering)) continue;
             const Input input = c.input(shuffled);
-            row r{family, c.operation, c.size, numbering, c.compared, {}, c.tolerance, {}};
+            row r{family, c.operation, c.size, numbering, c.compared, {}, {}};
             if (c.limit) r.limit = c.limit(input, shuffled);
             for (const bool us : {true, false})
                 for (const auto& who : contestants<Input>())
                     if (std::string(who.operation) == c.operation && us == (who.name == std::string(ours)))
-                        r.runners.push_back({who.name, who.called, who.note, [&](lap& l) { who.run(input, l); }});
+                        r.runners.push_back({who.name, who.called, who.note, [&](lap& l) { who.run(input, l); },
+                                             std::max(c.tolerance, who.tolerance)});
             all.measure(r);
         }
 }

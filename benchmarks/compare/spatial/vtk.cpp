@@ -93,14 +93,20 @@ void weld(const spatial_input& in, lap& l)
     l.answer({double(out->GetNumberOfPoints()), first_of_each.value()});
 }
 
+// Coordinates rounded to floats: now and then another point is the nearest, or on the other side of a wall.
+const char* const holds_floats = "holds the points in single precision";
+constexpr double coarse = 1e-5;
+
 const bool entered = enter<spatial_input>({
-    {"detector build", "VTK k-d tree", "vtkKdTreePointLocator::BuildLocator", "", build<vtkKdTreePointLocator>},
+    {"detector build", "VTK k-d tree", "vtkKdTreePointLocator::BuildLocator", holds_floats,
+     build<vtkKdTreePointLocator>, coarse},
     {"detector build", "VTK bins", "vtkStaticPointLocator::BuildLocator", "equal cells, no tree",
      build<vtkStaticPointLocator>},
-    {"nearest", "VTK k-d tree", "vtkKdTreePointLocator::FindClosestPoint", "", nearest<vtkKdTreePointLocator>},
+    {"nearest", "VTK k-d tree", "vtkKdTreePointLocator::FindClosestPoint", holds_floats, nearest<vtkKdTreePointLocator>,
+     coarse},
     {"nearest", "VTK bins", "vtkStaticPointLocator::FindClosestPoint", "equal cells, no tree",
      nearest<vtkStaticPointLocator>},
-    {"boxes", "VTK k-d tree", "vtkKdTree::FindPointsInArea", "", boxes},
+    {"boxes", "VTK k-d tree", "vtkKdTree::FindPointsInArea", holds_floats, boxes, coarse},
     {"weld", "VTK", "vtkStaticCleanPolyData with an absolute tolerance", "not closest first; a new point list", weld},
 });
 
