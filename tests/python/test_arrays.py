@@ -4,6 +4,7 @@ import gc
 import resource
 import tracemalloc
 import weakref
+from typing import Any
 
 import numpy as np
 import pytest
@@ -142,8 +143,8 @@ def test_nothing_dangles_in_any_order_of_del(order):
     detector = ts.NodeDetector(pos)
     moved = ts.translate(pos, [0, 0, 0])
     parts = ts.get_connex_parts(ts.get_neighbors(MESH.connect, MESH.type, raw=True))
-    objects = {0: pos, 1: detector, 2: moved, 3: parts.elements[::2], 4: detector.copy()}
-    checks = {
+    objects: dict[int, Any] = {0: pos, 1: detector, 2: moved, 3: parts.elements[::2], 4: detector.copy()}
+    checks: dict[int, Any] = {
         0: lambda o: (o == MESH.pos).all(),
         1: lambda o: o.closest(MESH.pos[3]) == 3,
         2: lambda o: (o == MESH.pos).all(),
@@ -159,7 +160,7 @@ def test_nothing_dangles_in_any_order_of_del(order):
 
 def test_arguments_are_let_go():
     pos, connect = MESH.pos.copy(), MESH.connect.copy()
-    watched = [weakref.ref(pos), weakref.ref(connect)]
+    watched: list[Any] = [weakref.ref(pos), weakref.ref(connect)]
     ts.merge(pos, connect, 0.1)
     detector = ts.NodeDetector(pos)
     with pytest.raises(ts.Error):

@@ -132,7 +132,7 @@ def test_errors_can_be_pickled_and_caught_as_value_errors():
 
 
 REFUSED_EARLIER = {
-    "connect is missing": lambda: ts.get_neighbors(None, 6),
+    "connect is missing": lambda: ts.get_neighbors(None, 6),  # type: ignore[arg-type]
     "one dimension": lambda: ts.get_neighbors([0, 1, 2], 6),
     "three dimensions": lambda: ts.get_neighbors(np.zeros((1, 1, 3), np.uint32), 6),
     "floats as indices": lambda: ts.get_neighbors([[0.0, 1.0, 2.0]], 6),
@@ -141,13 +141,13 @@ REFUSED_EARLIER = {
     "objects": lambda: ts.translate(np.array([[object()] * 3]), [0, 0, 0]),
     "complex numbers": lambda: ts.translate([[1j, 0, 0]], [0, 0, 0]),
     "rows of different lengths": lambda: ts.get_neighbors([[0, 1, 2], [0, 1]], 6),
-    "no type": lambda: ts.get_neighbors(T3, "tria"),
+    "no type": lambda: ts.get_neighbors(T3, "tria"),  # type: ignore[arg-type]
     "a type that does not exist": lambda: ts.get_neighbors(T3, 21),
     "a huge type": lambda: ts.get_neighbors(T3, 2**80),
     "one number": lambda: ts.translate(P3, [1]),
     "a point of texts": lambda: ts.translate(P3, ["a", "b"]),
     "a huge bound": lambda: ts.check_IDs(T3, 2**40),
-    "no histogram": lambda: ts.shape_qualities(P3, T3, 6, 3),
+    "no histogram": lambda: ts.shape_qualities(P3, T3, 6, 3),  # type: ignore[call-overload]
     "a bad tensor": lambda: ts.eigen_pairs([1, 2]),
     "a bad dimension": lambda: ts.metric_iso_to_aniso(1, 4),
 }

@@ -1,6 +1,7 @@
 """Whatever is passed: a result, an Error, a MemoryError or a TypeError, never a crash."""
 
 import warnings
+from typing import Any
 
 import numpy as np
 import pytest
@@ -68,7 +69,7 @@ flag = st.booleans()
 tolerance = st.one_of(floats, st.just(0.5))
 point = st.one_of(st.just([0.0, 1.0, 2.0]), anything)
 
-FUNCTIONS = {
+FUNCTIONS: dict[str, tuple[Any, ...]] = {
     "check_IDs": (ts.check_IDs, connect, numbers, types),
     "freeze": (ts.freeze, anything),
     "get_neighbors": (ts.get_neighbors, connect, types, flag),

@@ -1,3 +1,5 @@
+from typing import Any
+
 import numpy as np
 import pytest
 from hypothesis import given
@@ -165,6 +167,7 @@ def test_arguments_stay_and_out_is_filled(type):
 
 
 def test_merge_needs_to_know_what_and_how_near():
-    for arguments in ({}, {"nodes2": [0], "tolerance": 1.0}, {"connect": [[0]], "nodes": [0]}):
+    wrong: list[dict[str, Any]] = [{}, {"nodes2": [0], "tolerance": 1.0}, {"connect": [[0]], "nodes": [0]}]
+    for arguments in wrong:
         with pytest.raises(TypeError):
             ts.merge([[0, 0]], **arguments)

@@ -14,7 +14,7 @@ seeds = st.integers(0, 2**32 - 1)
 
 
 def faces_by_vertices(mesh):
-    found = {}
+    found: dict[tuple[int, ...], list[tuple[int, int]]] = {}
     for e, nodes in enumerate(mesh.connect.tolist()):
         for k, face in enumerate(FACES[mesh.type]):
             found.setdefault(tuple(sorted(nodes[i] for i in face)), []).append((e, k))
