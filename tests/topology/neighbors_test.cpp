@@ -8,6 +8,7 @@
 #include "support/slow_topology.h"
 #include "support/small_stack.h"
 #include "support/storage_forms.h"
+#include "support/stored_call.h"
 
 using namespace zeb::tessolv;
 using namespace test;
@@ -21,11 +22,6 @@ dense2D<unsigned> neighbors_of(const dense2D<unsigned>& connect, element_type ty
     dense2D<unsigned> neighbors;
     EXPECT_EQ(get_neighbors(connect, type, link_nonmanifold, neighbors), 0);
     return neighbors;
-}
-
-bool is_empty_throughout(const dense2D<unsigned>& m)
-{
-    return m.size == 0 && m.rows == 0 && m.cols == 0;
 }
 
 }  // namespace
