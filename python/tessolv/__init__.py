@@ -5,6 +5,7 @@ after row: the library works on them where they are. Integers of other types, ot
 Results own their memory. What the library cannot take is an `Error`, exhausted memory a `MemoryError`.
 """
 
+from ._bridges import from_meshio, read, to_meshio, to_pyvista, write
 from ._conventions import (
     EL_EDGE2,
     EL_EDGE3,
@@ -67,6 +68,7 @@ from ._io import (
     vtk_convert,
     vtk_output,
 )
+from ._mesh import Mesh, Worst, WorstElements
 from ._metrics import (
     are_valid_metrics,
     eigen_pairs,
@@ -79,6 +81,7 @@ from ._metrics import (
     minimum_metric,
     overwrite_invalid_metrics,
 )
+from ._numbering import from_numbering, to_numbering
 from ._quality import edge_lengths, edge_qualities, shape_qualities
 from ._spatial import InBoxes, MergedConnect, MergedNodes, MergedPoints, NodeDetector, merge
 from ._tessolv import Histogram
@@ -128,6 +131,7 @@ __all__ = [
     "MergedConnect",
     "MergedNodes",
     "MergedPoints",
+    "Mesh",
     "NODES_PER_ELEMENT",
     "NONE_INDEX",
     "NodeDetector",
@@ -141,6 +145,8 @@ __all__ = [
     "WavefrontOBJ",
     "WavefrontOBJ_input",
     "WavefrontOBJ_output",
+    "Worst",
+    "WorstElements",
     "append",
     "are_valid_metrics",
     "change_indices",
@@ -154,6 +160,8 @@ __all__ = [
     "eigen_pairs",
     "ensight_output",
     "freeze",
+    "from_meshio",
+    "from_numbering",
     "get_IDs",
     "get_ancestors",
     "get_boundaries",
@@ -173,14 +181,19 @@ __all__ = [
     "minimum_metric",
     "overwrite_invalid_metrics",
     "permutation",
+    "read",
     "remove_degenerated",
     "rotate",
     "shape_qualities",
     "simplify",
+    "to_meshio",
+    "to_numbering",
+    "to_pyvista",
     "translate",
     "unique_indices",
     "version",
     "vtk_convert",
     "vtk_output",
+    "write",
     "zoom",
 ]

@@ -59,6 +59,9 @@ def unique_indices(
 def count_unique_indices(connect: Connectivities) -> int:
     """Number of distinct indices, missing ones apart.
 
+    Args:
+        connect: shape (elements, nodes), or a list of such arrays.
+
     >>> count_unique_indices([[4, 2], [2, 7]])
     3
     """

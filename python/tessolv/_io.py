@@ -108,7 +108,11 @@ def medit_output(
 
 
 def medit_tensor(filename: FileName, M: ArrayLike) -> None:
-    """Writes a field of metric tensors of shape (nodes, 3 or 6), float32, as a MEDIT solution file.
+    """Writes a field of metric tensors as a MEDIT solution file.
+
+    Args:
+        filename: created before anything is checked.
+        M: shape (nodes, 3 or 6), float32; others are converted.
 
     Raises:
         Error: -1 the file, -2 columns of `M`.
@@ -187,6 +191,9 @@ def WavefrontOBJ_output(
 
 def WavefrontOBJ_input(filename: FileName) -> WavefrontOBJ:
     """Reads the nodes, normals, texture coordinates, triangles and quadrilaterals of a Wavefront OBJ file.
+
+    Args:
+        filename: the file; faces of other numbers of corners and lines of other keywords are passed over.
 
     Raises:
         Error: -1 the file cannot be opened or is malformed, or memory ran out.

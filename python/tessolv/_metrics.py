@@ -21,6 +21,10 @@ Field = NDArray[np.float32]
 def metric_iso_to_aniso(h: float, dimension: int = 3) -> Tensor:
     """The tensor of the size h in every direction; 0 unless h > 0.
 
+    Args:
+        h: the size.
+        dimension: 2 or 3.
+
     >>> metric_iso_to_aniso(0.5, 2).tolist()
     [4.0, 0.0, 4.0]
     """
@@ -57,7 +61,10 @@ def metric_aniso3d_to_aniso2d(M3: ArrayLike, B: ArrayLike) -> Tensor:
 
 
 def eigen_pairs(M: ArrayLike) -> Tensor:
-    """Eigenvalues of a tensor of shape (3,) or (6,), in ascending order; the library keeps the vectors to itself.
+    """Eigenvalues of a tensor, in ascending order; the library keeps the vectors to itself.
+
+    Args:
+        M: shape (3,) or (6,).
 
     >>> eigen_pairs([2, 0, 1]).tolist()
     [1.0, 2.0]
@@ -66,7 +73,10 @@ def eigen_pairs(M: ArrayLike) -> Tensor:
 
 
 def is_valid_metric(M: ArrayLike) -> bool:
-    """Whether a tensor of shape (3,) or (6,) is finite and positive definite.
+    """Whether a tensor is finite and positive definite.
+
+    Args:
+        M: shape (3,) or (6,).
 
     >>> is_valid_metric([1, 0, 1]), is_valid_metric([1, 2, 1])
     (True, False)
