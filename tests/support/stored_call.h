@@ -164,13 +164,13 @@ public:
     const zeb::dense2D<T>* input_range(const std::vector<zeb::dense2D<T>>& matrices)
     {
         return range(
-            matrices, [this](const auto& m) -> auto& { return input(m); });
+            matrices, [this](const auto& m) -> auto& { return this->input(m); });
     }
     template <class T>
     zeb::dense2D<T>* written_range(const std::vector<zeb::dense2D<T>>& matrices)
     {
         return range(
-            matrices, [this](const auto& m) -> auto& { return written(m); });
+            matrices, [this](const auto& m) -> auto& { return this->written(m); });
     }
 
     // Makes the call. Where it is refused memory it must give `failure`, and succeed when it is made again.
