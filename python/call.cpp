@@ -383,6 +383,10 @@ std::vector<py::ssize_t> shape_of(std::uint64_t rows, std::uint64_t columns)
 template <class T>
 void copy_columns(const dense2D<T>& from, std::uint64_t width, T* to)
 {
+    if (from.rows == width && from.ld == width) {
+        if (!from.empty()) std::memcpy(to, &from(0, 0), from.size * sizeof(T));
+        return;
+    }
     const std::uint64_t common = std::min(width, from.rows);
     for (std::uint64_t j = 0; j < from.cols; ++j, to += width) {
         if (common != 0) std::memcpy(to, &from(0, j), common * sizeof(T));
