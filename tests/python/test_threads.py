@@ -1,5 +1,7 @@
 """The interpreter's lock: let go where nobody can change the arguments, kept elsewhere."""
 
+import contextlib
+import sys
 import threading
 import time
 
@@ -11,7 +13,32 @@ from meshes import grid, shuffled
 from tessolv import _tessolv
 
 BIG = grid(ts.EL_TETRA4, 40)
+NODES = np.arange(60)
 FROZEN = BIG._replace(pos=ts.freeze(BIG.pos), connect=ts.freeze(BIG.connect))
+
+
+@contextlib.contextmanager
+def counting_thread():
+    """Another thread that counts the times it gets the lock; nobody is asked to hand it over, it must be let go."""
+    turns, on, running = [0], [True], threading.Event()
+
+    def count():
+        while on[0]:
+            turns[0] += 1
+            running.set()
+            time.sleep(0.0001)
+
+    other = threading.Thread(target=count)
+    interval = sys.getswitchinterval()
+    sys.setswitchinterval(1e6)
+    try:
+        other.start()
+        running.wait()
+        yield turns
+    finally:
+        on[0] = False
+        sys.setswitchinterval(interval)
+        other.join()
 
 
 CALLS = {
@@ -19,8 +46,26 @@ CALLS = {
     "copy_edges": lambda mesh: ts.copy_edges(mesh.connect, mesh.type),
     "shape_qualities": lambda mesh: ts.shape_qualities(mesh.pos, mesh.connect, mesh.type),
     "merge": lambda mesh: ts.merge(mesh.pos, mesh.connect, 1e-3),
-    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest(mesh.pos),
+    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest_to_nodes(NODES),
 }
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_frozen_arguments_let_others_run(name):
+    with counting_thread() as turns:
+        before, end = turns[0], time.monotonic() + 60
+        while turns[0] == before and time.monotonic() < end:
+            CALLS[name](FROZEN)
+        assert turns[0] > before
+
+
+# A detector lets the lock go for as long as it waits for its own one.
+@pytest.mark.parametrize("name", [name for name in CALLS if name != "NodeDetector"])
+def test_arguments_that_others_can_change_keep_them_waiting(name):
+    with counting_thread() as turns:
+        before = turns[0]
+        CALLS[name](BIG)
+        assert turns[0] == before
 
 
 def unlocked(f):
@@ -49,27 +94,6 @@ def test_out_and_histograms_keep_the_lock():
     assert unlocked(lambda: ts.translate(frozen.pos, [1, 0, 0], out=mesh.pos)) == 0
     assert unlocked(lambda: ts.merge(frozen.pos, frozen.connect, out=mesh.connect)) == 0
     assert unlocked(lambda: ts.shape_qualities(frozen.pos, frozen.connect, mesh.type, ts.Histogram())) == 0
-
-
-def test_others_run_during_a_call_without_the_lock():
-    """Another thread counts while one call runs; a single call that keeps the lock would give it no turn inside."""
-    state = {"turns": 0, "on": True}
-
-    def count():
-        while state["on"]:
-            state["turns"] += 1
-            time.sleep(0.0002)
-
-    other = threading.Thread(target=count)
-    other.start()
-    most = 0
-    for _ in range(20):
-        before = state["turns"]
-        CALLS["merge"](FROZEN)
-        most = max(most, state["turns"] - before)
-    state["on"] = False
-    other.join()
-    assert most > 10
 
 
 def test_calls_on_shared_frozen_arrays_agree():
