@@ -1,9 +1,14 @@
 """Exhausted memory: a MemoryError from every operation, and nothing changed."""
 
+import re
 import subprocess
 import sys
+from pathlib import Path
 
+import numpy as np
 import pytest
+
+import tessolv as ts
 
 # Arrays first, then a limit that leaves no room for a result of their size.
 SCRIPT = """
@@ -64,6 +69,21 @@ assert (connect == before).all() and (ids == np.arange(n)).all()
 assert len(ts.merge(pos, connect, 1e-9).new_IDs) == n
 print("done")
 """
+
+
+def test_one_huge_index_takes_no_memory(tmp_path):
+    # 51, 34, 34 and 48 gigabytes would be granted on many machines, and end the program when they are written to.
+    found = re.search(r"MemAvailable: +(\d+)", Path("/proc/meminfo").read_text())
+    available = int(found[1]) * 1024 if found else 0
+    if available < 30e9:
+        with pytest.raises(MemoryError):
+            ts.get_ancestors([[0, 1, 2**32 - 2]])
+        with pytest.raises(MemoryError):
+            ts.medit_output(tmp_path / "refs.mesh", np.zeros((3, 3)), [[0, 1, 2]], ts.EL_TRIA3, [2**32 - 2])
+        with pytest.raises(MemoryError):
+            ts.shape_qualities(np.zeros((3, 3)), np.empty((2**31, 0), np.uint32), ts.EL_TRIA3)
+        with pytest.raises(MemoryError):
+            ts.translate(np.broadcast_to(np.zeros((1, 3)), (2**31, 3)), [1, 0, 0])
 
 
 @pytest.mark.skipif(not sys.platform.startswith("linux"), reason="limits of the address space")
