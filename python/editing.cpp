@@ -186,8 +186,11 @@ py::tuple simplify(py::handle pos, py::handle connect, bool raw, py::handle out)
         auto* first = elements.matrices.data();
         return lib::simplify(points, first, first + elements.matrices.size(), new_ids);
     });
-    return py::make_tuple(handed_over(std::move(points), columns), result_of(std::move(elements)),
-                          index_table(std::move(new_ids), raw));
+    // In place, coordinates of which nothing was dropped are the caller's own.
+    const bool unchanged = points.buffer != nullptr && points.buffer->external != 0;
+    const bool own = !out.is_none() && unchanged && py::isinstance<py::array_t<double>>(pos);
+    const py::object left = own ? py::reinterpret_borrow<py::object>(pos) : handed_over(std::move(points), columns);
+    return py::make_tuple(left, result_of(std::move(elements)), index_table(std::move(new_ids), raw));
 }
 
 py::tuple copy_mesh(py::handle pos, py::handle connect)

@@ -194,14 +194,20 @@ dense2D<double> points_of(call& c, py::handle value, std::string_view name, bool
     return points;
 }
 
-zeb::vector_fixed<double, 2> plane_point(const dense2D<double>& points, std::uint64_t j)
+// f(j, point) for all points, as what they are.
+template <class F>
+void for_points(const dense2D<double>& points, F f)
 {
-    return {points(0, j), points(1, j)};
-}
-
-zeb::vector_fixed<double, 3> space_point(const dense2D<double>& points, std::uint64_t j)
-{
-    return {points(0, j), points(1, j), points(2, j)};
+    if (points.empty()) return;
+    const double* P = &points(0, 0);
+    const bool flat = points.rows == 2;
+    for (std::uint64_t j = 0; j < points.cols; ++j, P += points.ld) {
+        if (flat) {
+            f(j, zeb::vector_fixed<double, 2>(P[0], P[1]));
+        } else {
+            f(j, zeb::vector_fixed<double, 3>(P[0], P[1], P[2]));
+        }
+    }
 }
 
 dense1D<index> list_of(std::uint64_t size)
@@ -224,9 +230,9 @@ py::object detector::closest(py::handle points, bool raw) const
     const auto queries = points_of(c, points, "points", one);
     auto found = list_of(queries.cols);
     query(c, [&] {
-        for (std::uint64_t j = 0; j < queries.cols; ++j)
-            found[j] = static_cast<index>(queries.rows == 2 ? searched_.find_closest(plane_point(queries, j))
-                                                            : searched_.find_closest(space_point(queries, j)));
+        index* to = found.data();
+        for_points(queries,
+                   [&](std::uint64_t j, const auto& P) { to[j] = static_cast<index>(searched_.find_closest(P)); });
     });
     return one_or_all(std::move(found), one, raw);
 }
@@ -256,14 +262,12 @@ py::object detector::in_box(py::handle lower, py::handle upper) const
     std::int64_t* ends = offsets.mutable_data();
     query(c, [&] {
         ends[0] = 0;
-        for (std::uint64_t j = 0; j < low.cols; ++j) {
-            if (low.rows == 2) {
-                searched_.find_in_box(plane_point(low, j), plane_point(high, j), found);
-            } else {
-                searched_.find_in_box(space_point(low, j), space_point(high, j), found);
-            }
+        for_points(low, [&](std::uint64_t j, const auto& P) {
+            auto Q = P;
+            std::copy_n(&high(0, j), high.rows, Q.begin());
+            searched_.find_in_box(P, Q, found);
             ends[j + 1] = static_cast<std::int64_t>(found.size);
-        }
+        });
     });
     py::array nodes = handed_over(std::move(found));
     if (one) return nodes;

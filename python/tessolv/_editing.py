@@ -163,7 +163,8 @@ def simplify(
         pos: shape (nodes, columns).
         connect: shape (elements, nodes), or a list of such arrays.
         raw: `new_IDs` as uint32 with `NONE_INDEX` instead of int64 with -1.
-        out: for the renumbered connectivity in the place of a new one; may be `connect` itself.
+        out: for the renumbered connectivity in the place of a new one; may be `connect` itself. When every node is used
+            `pos` then comes back as it is, not as a copy.
 
     Raises:
         Error: -2 a node beyond `pos`.

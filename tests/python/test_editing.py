@@ -147,6 +147,13 @@ def test_elements_that_use_a_node_twice_go(connect):
     np.testing.assert_array_equal(left.new_IDs, np.where(keep, np.cumsum(keep) - 1, -1))
 
 
+def test_coordinates_come_back_themselves_only_in_place():
+    pos, connect = np.zeros((2, 3)), np.array([[1, 0]], dtype=np.uint32)
+    assert ts.simplify(pos, connect).pos is not pos
+    assert ts.simplify(pos, connect, out=connect).pos is pos
+    assert ts.simplify(pos, connect[:, :1], out=connect[:, :1].copy()).pos is not pos
+
+
 def test_append_tells_columns_from_rows():
     with pytest.raises(ts.Error) as caught:
         ts.append([[1.0, 2.0]], [[1.0, 2.0, 3.0]])
