@@ -10,9 +10,9 @@ import pytest
 
 import tessolv as ts
 from meshes import grid, shuffled
+from tessolv import _tessolv
 
 BIG = grid(ts.EL_TETRA4, 40)
-NODES = np.arange(9000)
 FROZEN = BIG._replace(pos=ts.freeze(BIG.pos), connect=ts.freeze(BIG.connect))
 
 
@@ -45,8 +45,36 @@ CALLS = {
     "copy_edges": lambda mesh: ts.copy_edges(mesh.connect, mesh.type),
     "shape_qualities": lambda mesh: ts.shape_qualities(mesh.pos, mesh.connect, mesh.type),
     "merge": lambda mesh: ts.merge(mesh.pos, mesh.connect, 1e-3),
-    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest_to_nodes(NODES),
+    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest(mesh.pos),
 }
+
+
+def unlocked(f):
+    before = _tessolv.unlocked_calls()
+    f()
+    return _tessolv.unlocked_calls() - before
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_the_lock_is_kept_unless_every_array_is_frozen(name):
+    small = shuffled(ts.EL_TETRA4, 3, 1)
+    frozen = small._replace(pos=ts.freeze(small.pos), connect=ts.freeze(small.connect))
+    read_only = small._replace(connect=small.connect.copy())
+    read_only.connect.flags.writeable = False
+    converted = small._replace(pos=small.pos.tolist(), connect=small.connect.astype(np.int64))
+    assert unlocked(lambda: CALLS[name](frozen)) > 0
+    assert unlocked(lambda: CALLS[name](converted)) > 0
+    if name != "NodeDetector":
+        assert unlocked(lambda: CALLS[name](read_only)) == unlocked(lambda: CALLS[name](small)) == 0
+
+
+def test_out_and_histograms_keep_the_lock():
+    mesh = grid(ts.EL_TETRA4, 2)
+    frozen = mesh._replace(pos=ts.freeze(mesh.pos), connect=ts.freeze(mesh.connect))
+    assert unlocked(lambda: ts.translate(frozen.pos, [1, 0, 0])) == 1
+    assert unlocked(lambda: ts.translate(frozen.pos, [1, 0, 0], out=mesh.pos)) == 0
+    assert unlocked(lambda: ts.merge(frozen.pos, frozen.connect, out=mesh.connect)) == 0
+    assert unlocked(lambda: ts.shape_qualities(frozen.pos, frozen.connect, mesh.type, ts.Histogram())) == 0
 
 
 @pytest.mark.parametrize("name", CALLS)
@@ -56,15 +84,6 @@ def test_frozen_arguments_let_others_run(name):
         while turns[0] == before and time.monotonic() < end:
             CALLS[name](FROZEN)
         assert turns[0] > before
-
-
-# A detector lets the lock go for as long as it waits for its own one.
-@pytest.mark.parametrize("name", [name for name in CALLS if name != "NodeDetector"])
-def test_arguments_that_others_can_change_keep_them_waiting(name):
-    with counting_thread() as turns:
-        before = turns[0]
-        CALLS[name](BIG)
-        assert turns[0] == before
 
 
 def test_calls_on_shared_frozen_arrays_agree():
