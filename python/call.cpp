@@ -1,6 +1,7 @@
 #include "call.h"
 
 #include <algorithm>
+#include <fstream>
 #include <limits>
 #include <new>
 
@@ -131,6 +132,17 @@ bool is_acceptable_kind(char kind)
 
 }  // namespace
 
+void require_room(std::uint64_t bytes)
+{
+    constexpr std::uint64_t not_worth_a_look = std::uint64_t{1} << 30;
+    if (bytes < not_worth_a_look) return;
+    std::ifstream system("/proc/meminfo");
+    std::string name, unit;
+    std::uint64_t kilobytes = 0;
+    while (system >> name >> kilobytes && std::getline(system, unit))
+        if (name == "MemAvailable:" && bytes / 1024 > kilobytes) throw std::bad_alloc();
+}
+
 bool is_frozen(const py::array& array)
 {
     if (array.size() == 0) return true;
@@ -196,6 +208,7 @@ py::array call::converted(py::array array, std::string_view name) const
     if (array.size() == 0) return py::array_t<T>(std::vector<py::ssize_t>(array.shape(), array.shape() + array.ndim()));
     if (!is_acceptable_kind<T>(dtype.kind()))
         refuse(name, "has the type " + text(dtype) + (std::is_same_v<T, index> ? ", which are no indices" : ""));
+    require_room(static_cast<std::uint64_t>(array.size()) * sizeof(T));
     if (std::is_same_v<T, index> && !holds<T>(array)) return copied<T>(array, name);
     constexpr int always_copied = 0x20;  // NPY_ARRAY_ENSURECOPY, which pybind11 does not name
     const int wanted =
@@ -239,6 +252,8 @@ dense2D<T> call::matrix(py::handle value, std::string_view name)
 {
     const py::array given = array(value, name);
     if (given.ndim() != 2 && !(given.ndim() == 1 && given.size() == 0)) refuse(name, dimensions(given, 2));
+    // Elements without nodes take no memory, results for each of them do.
+    if (given.size() == 0) require_room(static_cast<std::uint64_t>(given.shape(0)) * 2 * sizeof(double));
     const bool in_place = holds<T>(given) && is_column_major_matrix(given) && !overlaps_out(given);
     return look_into_matrix<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
 }

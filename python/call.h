@@ -40,6 +40,10 @@ struct changed {
     py::object out;  // none for a copy
 };
 
+// Throws exhausted memory where the system could not back so much: it would grant the request and end the program when
+// the memory is written to. One huge index in a file must not do that.
+void require_room(std::uint64_t bytes);
+
 // How often the interpreter's lock was let go.
 extern long unlocked_calls;
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -112,6 +113,9 @@ void medit_output(py::handle filename, py::handle pos, py::handle connect, py::h
         const auto elements = c.matrix<index>(connect, "connect");
         const auto kind = c.type(type, "type");
         const auto references = c.vector<index>(refs, "refs");
+        index largest = 0;
+        for (const index r : references) largest = std::max(largest, r == zeb::NONE_INDEX ? 0 : r);
+        require_room((std::uint64_t{largest} + 1) * sizeof(std::uint64_t));
         c.checked([&] { return lib::medit_output(name.c_str(), points, elements, kind, references); });
         return;
     }

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "arrays.h"
 #include "module.h"
 
@@ -33,13 +35,32 @@ py::array get_boundaries(py::handle connect, py::handle neighbors, py::handle ty
     return handed_over(std::move(boundaries));
 }
 
+// A list of all nodes up to the largest, without an entry yet: the library would make it alike, however long.
+dense1D<index> list_up_to_largest(const dense2D<index>& connect, bool raw)
+{
+    index largest = 0;
+    for (std::uint64_t e = 0; e < connect.cols; ++e) {
+        const index* nodes = &connect(0, e);
+        for (std::uint64_t i = 0; i < connect.rows; ++i) largest = std::max(largest, nodes[i]);
+    }
+    if (largest == zeb::NONE_INDEX) throw_refusal("get_ancestors", -1);
+    const std::uint64_t size = std::uint64_t{largest} + 1;
+    require_room(size * (sizeof(index) + (raw ? 0 : sizeof(std::int64_t))));
+    dense1D<index> list;
+    if (!list.resize(size, zeb::NONE_INDEX)) throw std::bad_alloc();
+    return list;
+}
+
 py::object get_ancestors(py::handle connect, py::handle ancestors, bool raw, py::handle out)
 {
     call c("get_ancestors");
     if (ancestors.is_none()) {
         const auto elements = c.matrix<index>(connect, "connect");
         dense1D<index> found;
-        c.checked([&] { return lib::get_ancestors(elements, found); });
+        c.checked([&] {
+            if (!elements.empty()) found = list_up_to_largest(elements, raw);
+            return lib::get_ancestors(elements, found);
+        });
         return index_table(std::move(found), raw);
     }
     auto given = c.changed_vector<index>(ancestors, out, "ancestors");

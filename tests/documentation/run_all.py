@@ -9,6 +9,7 @@ Blocks of a page are fenced, those of a header stand between @code and @endcode.
   console  Lines `$ command`, each followed by what it prints (`...`: any lines) or by nothing, then it is not compared.
            <!-- status: N --> states the exit status of the last command.
   sh       Commands only.
+  python   Is Python; the tests python/documentation run it, with the package.
   cmake    <!-- quoted from: FILE -->: each line stands in FILE, which another test uses. Blocks of cpp and text may
            say so too: then they are the whole FILE.
   text     After <!-- output --> what the program before prints; after <!-- file: NAME --> the bytes of a file that an
@@ -206,6 +207,12 @@ class Page:
             if line not in lines:
                 raise Wrong(f"{block.line}: '{line}' does not stand in {source}")
 
+    def python(self, block):
+        try:
+            compile(block.text, self.name, "exec")
+        except SyntaxError as error:
+            raise Wrong(f"{block.line}: {error}") from error
+
     def whole_file(self, block):
         source = block.notes["quoted from"]
         if block.text != read(self.in_source(source)):
@@ -229,7 +236,10 @@ class Page:
 
     def run_all(self):
         self.prepare()
-        rules = {"cpp": self.cpp, "console": self.console, "sh": self.sh, "cmake": self.cmake, "text": self.plain}
+        rules = {
+            "cpp": self.cpp, "console": self.console, "sh": self.sh, "python": self.python, "cmake": self.cmake,
+            "text": self.plain,
+        }
         blocks = blocks_of_file(self.in_source(self.name))
         for block in blocks:
             if block.language not in rules:

@@ -216,3 +216,13 @@ def test_frozen_arrays_cannot_be_written_to():
     assert not ts.is_frozen(view)
     with pytest.raises(TypeError):
         ts.freeze(np.array([object()]))
+
+
+def test_arguments_that_lie_in_out_are_read_as_they_were():
+    sizes = np.array([5, 0, 0, 0], dtype=np.float32)
+    assert ts.overwrite_invalid_metrics(sizes[1:], sizes[:-1], out=sizes[1:]).tolist() == [5, 0, 0]
+    both = np.array([1, 0, 2, 3, 9, 9], dtype=np.uint32)
+    wanted = ts.get_ancestors(both[:4].reshape(2, 2), both[2:].copy()).tolist()
+    assert ts.get_ancestors(both[:4].reshape(2, 2), both[2:], out=both[2:]).tolist() == wanted == [0, 0, 1, 1]
+    both = np.array([0, 1, 1, 0], dtype=np.uint32)
+    assert ts.get_ancestors(both.reshape(2, 2), both, out=both).tolist() == [1, 1, 1, 0]

@@ -10,6 +10,7 @@ import re
 import runpy
 import shutil
 from pathlib import Path
+from typing import Any
 
 import pytest
 
@@ -102,6 +103,13 @@ def test_the_tutorial_prints_and_draws_what_it_shows(desk):
     assert pictures == sorted(re.findall(r"\(images/(.*?)\)", text)) != []
     for name in pictures:
         assert (desk / "images" / name).read_text() == (DOCS / "images" / name).read_text(), name
+
+
+def test_the_code_of_the_first_page_runs(desk):
+    text = (ROOT / "README.md").read_text()
+    names: dict[str, Any] = {}
+    run_page(text, names)
+    assert names["neighbors"].shape == (180, 4) and (desk / "solids.vtu").exists()
 
 
 def test_the_reference_is_up_to_date():

@@ -134,3 +134,18 @@ def test_nothing_crashes(name, data):
             function(*arguments)
     except (ts.Error, TypeError, MemoryError):
         pass
+
+
+@given(st.integers(0, 2**32 - 1), st.sampled_from([2, 3]))
+def test_coordinates_that_change_under_a_detector_do_no_harm(seed, dimension):
+    random = np.random.default_rng(seed)
+    pos = random.uniform(0, 1, (200, dimension))
+    detector = ts.NodeDetector(pos, nodes=random.integers(0, 200, 150))
+    for values in (random.uniform(-9, 9, pos.shape), 0.0, np.nan, np.inf):
+        pos[...] = values
+        detector.insert(random.integers(0, 200, 20))
+        found = detector.closest(random.uniform(-1, 2, (30, dimension)))
+        assert (found < 200).all()
+        assert (detector.closest_to_nodes(np.arange(200)) < 200).all()
+        nodes, _ = detector.in_box(random.uniform(-1, 1, (5, dimension)), random.uniform(0, 2, (5, dimension)))
+        assert (nodes < 200).all()

@@ -2,6 +2,8 @@
 
 import shutil
 import subprocess
+import sys
+import types
 from pathlib import Path
 from xml.etree import ElementTree
 
@@ -291,3 +293,20 @@ def test_notebooks_show_a_table_and_a_picture(name):
     assert "nothing to draw" in Mesh(np.zeros((0, 3)), {6: np.zeros((0, 3), int)}).picture()
     plane = grid(ts.EL_QUAD4, 2)
     assert Mesh(plane.pos, {plane.type: plane.connect}).picture().count("<polygon") == 4
+
+
+class FakeGrid:
+    def __init__(self, cells, codes, points):
+        self.cells, self.codes, self.points = cells, codes, points
+        self.point_data, self.cell_data = {}, {}
+
+
+def test_pyvista_gets_cells_in_the_numbering_of_vtk(monkeypatch):
+    monkeypatch.setitem(sys.modules, "pyvista", types.SimpleNamespace(UnstructuredGrid=FakeGrid))
+    mesh = Mesh([[0, 0], [1, 0], [0, 1]], {6: [[0, 1, 2]], 1: [[2]]}, {"x": [0, 1, 0]}, {"q": {6: [0.5]}})
+    there = mesh.to_pyvista()
+    assert there.cells.tolist() == [3, 0, 1, 2, 1, 2] and there.codes.tolist() == [5, 1]
+    assert there.points.shape == (3, 3) and there.point_data["x"].tolist() == [0, 1, 0]
+    np.testing.assert_array_equal(there.cell_data["q"], [0.5, np.nan])
+    wedge = Mesh(np.zeros((6, 3)), {ts.EL_WEDGE6: [[0, 1, 2, 3, 4, 5]]})
+    assert wedge.to_pyvista().cells.tolist() == [6, 0, 2, 1, 3, 5, 4]
