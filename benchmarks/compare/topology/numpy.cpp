@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -10,7 +12,8 @@ namespace {
 
 // The elements as plain numbers in a file that goes with the object.
 struct raw_file {
-    std::string name = (std::filesystem::temp_directory_path() / "tessolv_compare_elements").string();
+    std::string name =
+        (std::filesystem::temp_directory_path() / ("tessolv_compare_" + std::to_string(getpid()))).string();
     explicit raw_file(const mesh& m)
     {
         std::ofstream(name, std::ios::binary)
