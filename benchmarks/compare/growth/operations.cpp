@@ -262,7 +262,7 @@ void field(const std::vector<tensor>& all, lap& l)
 void half(const mesh& m, lap& l)
 {
     index_matrix kept;
-    const double middle = m.pos(0, m.pos.cols / 2);
+    const double middle = 0.5 * std::cbrt(double(m.connect.cols) / 6);
     l.timed([&] { clip(m.pos, m.connect, {middle, middle, middle}, {1.0, 0.3, 0.2}, kept); });
 }
 void turn(const mesh& m, lap& l)
