@@ -5,6 +5,11 @@ add_library(tessolv_options INTERFACE)
 # and let loops vectorise.
 target_compile_options(tessolv_options INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math)
 
+# Counted instructions must not depend on the processor.
+if(TESSOLV_BASELINE_ONLY)
+  target_compile_definitions(tessolv_options INTERFACE TESSOLV_BASELINE_ONLY)
+endif()
+
 target_compile_options(tessolv_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion)
 if(TESSOLV_WARNINGS_AS_ERRORS)
   target_compile_options(tessolv_options INTERFACE -Werror)

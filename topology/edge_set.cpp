@@ -1,5 +1,7 @@
 #include "topology/edge_set.h"
 
+#include <array>
+
 #include "topology/face_groups.h"
 
 namespace zeb::tessolv {
@@ -21,18 +23,33 @@ void for_each_matrix(const mesh_range& meshes, Visit visit)
     }
 }
 
-// Calls enter(edge, number) for every local edge; numbers are those of the entries of edge_set.
-template <class Enter>
-void enter_edges(const mesh_range& meshes, Enter enter)
+// Calls enter(edge, number) for every local edge; numbers are those of the entries of edge_set. The vertices of an
+// element are announced a few elements before its edges; those that an element of a mixed matrix lacks are, too.
+template <class Enter, class Announce>
+void enter_edges(const mesh_range& meshes, Enter enter, Announce announce)
 {
+    constexpr std::uint64_t lookahead = 8;
     std::uint64_t entered = 0;
     for_each_matrix(meshes, [&](auto element, const dense2D<unsigned int>& connect) {
         for (std::uint64_t e = 0; e < connect.cols; ++e, entered += element.edges.size()) {
+            if (lookahead < connect.cols - e)
+                for (unsigned int k = 0; k < element.nodes; ++k) announce(column(connect, e + lookahead)[k]);
             const unsigned int* nodes = column(connect, e);
             const auto edges = edges_of<decltype(element)>(nodes);
             for (std::size_t k = 0; k < edges.size(); ++k) enter(sorted_vertices(nodes, edges[k]), entered + k);
         }
     });
+}
+
+template <class Enter>
+void enter_edges(const mesh_range& meshes, Enter enter)
+{
+    enter_edges(meshes, enter, [](unsigned int) {});
+}
+
+std::uint64_t span_of(const vertex_bounds& bounds)
+{
+    return std::uint64_t{bounds.highest} - bounds.lowest + 1;
 }
 
 void mark(scratch<std::uint64_t>& marks, std::uint64_t number, bool marked)
@@ -41,24 +58,25 @@ void mark(scratch<std::uint64_t>& marks, std::uint64_t number, bool marked)
 }
 
 // Dense numbers: the larger vertices of the edges are sorted by the smaller one, by counting; an edge is new when its
-// larger vertex was not yet met in the list at hand. There is no branch in it that a processor could mispredict. False
-// without memory.
-[[nodiscard]] bool mark_first_by_counting(const mesh_range& meshes, const vertex_bounds& bounds, std::uint64_t entries,
-                                          scratch<std::uint64_t>& marks)
+// larger vertex was not yet met in the list at hand. There is no branch in it that a processor could mispredict.
+// `enter_all` visits `entries` edges like enter_edges. False without memory.
+template <class EnterAll>
+[[nodiscard]] bool mark_first_by_counting(const vertex_bounds& bounds, std::uint64_t entries,
+                                          scratch<std::uint64_t>& marks, EnterAll enter_all)
 {
     struct edge_end {
         unsigned int larger;
         unsigned int number;
     };
-    const std::uint64_t vertices = std::uint64_t{bounds.highest} - bounds.lowest + 1;
+    const std::uint64_t vertices = span_of(bounds);
     scratch<unsigned int> ends;  // of the list of each vertex
     scratch<unsigned int> met_by;
     scratch<edge_end> lists;
     if (!ends.allocate(vertices + 1, 0) || !met_by.allocate(vertices, NONE_INDEX) || !lists.allocate(entries))
         return false;
-    enter_edges(meshes, [&](auto edge, std::uint64_t) { ++ends[edge[0] - bounds.lowest + 1]; });
+    enter_all([&](auto edge, std::uint64_t) { ++ends[edge[0] - bounds.lowest + 1]; });
     for (std::uint64_t v = 0; v < vertices; ++v) ends[v + 1] += ends[v];
-    enter_edges(meshes, [&](auto edge, std::uint64_t number) {
+    enter_all([&](auto edge, std::uint64_t number) {
         lists[ends[edge[0] - bounds.lowest]++] = {edge[1] - bounds.lowest, static_cast<unsigned int>(number)};
     });
     unsigned int next = 0;
@@ -71,6 +89,77 @@ void mark(scratch<std::uint64_t>& marks, std::uint64_t number, bool marked)
     return true;
 }
 
+// The larger vertices of the edges of one vertex, in a piece of memory that the processor fetches at once. The last
+// place counts them, downwards from NONE_INDEX, so that it is never mistaken for one of them.
+template <std::size_t Width>
+class alignas(Width * sizeof(unsigned int)) short_list {
+public:
+    static short_list empty()
+    {
+        short_list list;
+        list.groups_.fill(group{} + NONE_INDEX);
+        return list;
+    }
+
+    // Four comparisons at a time, all of them: an early exit would be mispredicted, and compilers do not find the four
+    // themselves (1 M tetrahedra: 42 ms against 22).
+    bool contains(unsigned int vertex) const
+    {
+        const group wanted = group{} + vertex;
+        auto found = groups_[0] == wanted;
+        for (std::size_t i = 1; i < groups_.size(); ++i) found |= groups_[i] == wanted;
+        const auto halves = reinterpret_cast<half_groups>(found);
+        return (halves[0] | halves[1]) != 0;
+    }
+
+    bool is_full() const { return groups_.back()[3] == NONE_INDEX - (Width - 1); }
+
+    void append(unsigned int vertex)
+    {
+        const unsigned int length = NONE_INDEX - groups_.back()[3]--;
+        groups_[length / 4][length % 4] = vertex;
+    }
+
+private:
+    using group = unsigned int __attribute__((vector_size(4 * sizeof(unsigned int))));
+    using half_groups = std::uint64_t __attribute__((vector_size(2 * sizeof(std::uint64_t))));
+
+    std::array<group, Width / 4> groups_;
+};
+
+// Dense numbers and few edges a vertex: one pass over the elements looks each edge up in a short list of its smaller
+// vertex, which has been asked for before (1 M shuffled tetrahedra: 130 ms without, 41 with, 60 by counting alone). The
+// few edges that find a full list are left to the counting sort. False without memory.
+template <std::size_t Width>
+[[nodiscard]] bool mark_first_by_short_lists(const mesh_range& meshes, const vertex_bounds& bounds,
+                                             scratch<std::uint64_t>& marks)
+{
+    scratch<std::uint64_t> left;  // as marks
+    if (!left.allocate(marks.size(), 0)) return false;
+    std::uint64_t count_left = 0;
+    {
+        scratch<short_list<Width>> lists;
+        if (!lists.allocate(span_of(bounds), short_list<Width>::empty())) return false;
+        const auto look_up = [&](auto edge, std::uint64_t number) {
+            auto& list = lists[edge[0] - bounds.lowest];
+            const unsigned int larger = edge[1] - bounds.lowest;
+            if (list.contains(larger)) return;
+            const bool full = list.is_full();
+            mark(full ? left : marks, number, true);
+            count_left += full;
+            if (!full) list.append(larger);
+        };
+        enter_edges(meshes, look_up, [&, last = bounds.highest - bounds.lowest](unsigned int vertex) {
+            __builtin_prefetch(&lists[std::min(vertex - bounds.lowest, last)], 1);
+        });
+    }
+    return count_left == 0 || mark_first_by_counting(bounds, count_left, marks, [&](auto enter) {
+               enter_edges(meshes, [&](auto edge, std::uint64_t number) {
+                   if ((left[number / 64] >> (number % 64) & 1) != 0) enter(edge, number);
+               });
+           });
+}
+
 // Any numbers. False without memory.
 [[nodiscard]] bool mark_first_by_grouping(const mesh_range& meshes, const vertex_bounds& bounds, std::uint64_t entries,
                                           scratch<std::uint64_t>& marks)
@@ -80,6 +169,19 @@ void mark(scratch<std::uint64_t>& marks, std::uint64_t number, bool marked)
     edges.for_each(
         [&](std::uint64_t first, std::uint64_t, std::uint64_t number) { mark(marks, number, number == first); });
     return true;
+}
+
+// Chooses by the edges that a vertex has on average, so that no table takes more than 12 bytes an entry.
+[[nodiscard]] bool mark_first(const mesh_range& meshes, const vertex_bounds& bounds, std::uint64_t entries,
+                              scratch<std::uint64_t>& marks)
+{
+    const bool numbered = entries < NONE_INDEX;  // by 32 bits
+    const std::uint64_t vertices = span_of(bounds);
+    if (numbered && vertices <= entries / 8) return mark_first_by_short_lists<16>(meshes, bounds, marks);
+    if (numbered && vertices <= entries / 3) return mark_first_by_short_lists<8>(meshes, bounds, marks);
+    if (numbered && vertices <= entries / 2)
+        return mark_first_by_counting(bounds, entries, marks, [&](auto enter) { enter_edges(meshes, enter); });
+    return mark_first_by_grouping(meshes, bounds, entries, marks);
 }
 
 }  // namespace
@@ -94,9 +196,6 @@ bool edge_set::collect()
     });
     if (entries > most_entries || !first_seen_.allocate(entries / 64 + 2, 0)) return false;
 
-    // At most half a vertex an edge, so that the tables take no more than the lists; and numbers of 32 bits.
-    const bool dense = bounds.highest - bounds.lowest < entries / 2;
-    const auto mark_first = dense && entries < NONE_INDEX ? mark_first_by_counting : mark_first_by_grouping;
     if (!mark_first(meshes_, bounds, entries, first_seen_)) return false;
     size_ = 0;
     for (const std::uint64_t word : first_seen_) size_ += static_cast<std::uint64_t>(std::popcount(word));

@@ -25,8 +25,8 @@ inline int next_serial()
 }
 
 struct mesh {
-    dense2D<double> pos;
-    dense2D<unsigned int> connect;
+    dense2D<double> pos = {};
+    dense2D<unsigned int> connect = {};
     element_type type = EL_NONE;
     int serial = next_serial();
 };

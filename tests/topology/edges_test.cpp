@@ -315,6 +315,23 @@ TEST(CopyEdges, AgreesWithASetOfEdgesOnLargeMeshes)
     EXPECT_EQ(edges_of(thin, EL_TRIA3), as_matrix(slow::edges({thin}, {EL_TRIA3})));
 }
 
+TEST(CopyEdges, AgreesWithASetOfEdgesHoweverManyEdgesANodeHas)
+{
+    struct kind {
+        element_type type;
+        std::uint64_t rows;
+    };
+    constexpr kind kinds[] = {{EL_EDGE2, 2}, {EL_FACE_MIX, 4}, {EL_TRIA3, 3}, {EL_TETRA4, 4}, {EL_HEXA8, 8}};
+    constexpr unsigned first_nodes[] = {0, 500, 0xFFFFFF00};
+    dice random(52);
+    for (int trial = 0; trial < 1000; ++trial) {
+        const auto [type, rows] = random.one_of(kinds);
+        const unsigned nodes = 1 + random.below(200), first = random.one_of(first_nodes);
+        const auto elements = random_elements(random, type, rows, 1 + random.below(4 * nodes), nodes, first);
+        ASSERT_EQ(edges_of(elements, type), as_matrix(slow::edges({elements}, {type}))) << "trial " << trial;
+    }
+}
+
 TEST(CopyEdges, CopesWithAHundredThousandEdgesOnOneNode)
 {
     constexpr unsigned n = 100000;

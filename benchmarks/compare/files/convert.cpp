@@ -14,7 +14,6 @@ int main(int argc, char** argv)
     if (STL_input(argv[1], pos, connect, false) < 0) return 1;
     const std::string out = argv[2];
     const std::string format = out.substr(out.rfind('.') + 1);
-    if (format == "stl") return -STL_output(argv[2], pos, connect, true);
     if (format == "vtk") return -vtk_output(argv[2], pos, connect, EL_TRIA3);
     if (format == "mesh") return -medit_output(argv[2], pos, connect, EL_TRIA3);
     if (format == "obj") return -WavefrontOBJ_output(argv[2], pos, {}, {}, connect, {});

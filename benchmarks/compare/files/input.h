@@ -1,6 +1,8 @@
 #ifndef TESSOLV_BENCHMARKS_COMPARE_FILES_INPUT_H
 #define TESSOLV_BENCHMARKS_COMPARE_FILES_INPUT_H
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <string>
 
@@ -11,8 +13,10 @@ namespace compare {
 // A folder that goes with the object.
 struct folder {
     std::string path;
-    explicit folder(const std::string& name)
-        : path((std::filesystem::temp_directory_path() / (name + std::to_string(next_serial()))).string())
+    folder()
+        : path((std::filesystem::temp_directory_path() /
+                ("tessolv_compare_" + std::to_string(getpid()) + "_" + std::to_string(next_serial())))
+                   .string())
     {
         std::filesystem::create_directories(path);
     }
@@ -23,7 +27,7 @@ struct folder {
 
 // A mesh and, for readers and converters, the file that holds it.
 struct files_input : mesh {
-    std::shared_ptr<folder> place = std::make_shared<folder>("tessolv_compare_");
+    std::shared_ptr<folder> place = std::make_shared<folder>();
     std::string file = {};
 
     std::string to(const char* name) const { return place->path + "/" + name; }

@@ -6,8 +6,8 @@
 namespace compare {
 
 struct geometry_input : mesh {
-    vector_fixed<double, 3> C, N{1.0, 0.3, 0.2};  // the plane; C is the centre of the rotation too
-    double angle = 0.7;                           // about z
+    vector_fixed<double, 3> C = {}, N{1.0, 0.3, 0.2};  // the plane; C is the centre of the rotation too
+    double angle = 0.7;                                // about z
 };
 
 inline std::vector<double> sums(const double* pos, std::uint64_t count)

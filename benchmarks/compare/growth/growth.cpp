@@ -87,7 +87,7 @@ bool measure_growth(const settings& s, nlohmann::json& rows)
             const bool fine = survived && exponent < exponent_of_concern;
             good = good && fine;
             std::printf("%-30s %-9s %9.5f %9.5f %9.5f %9.5f s  grows like n^%.2f%s\n", o.name, numbering.c_str(),
-                        seconds[0], seconds[1], seconds[2], seconds[3], exponent, fine ? "" : "  TOO FAST");
+                        seconds[0], seconds[1], seconds[2], seconds[3], exponent, fine ? "" : "  GROWS TOO FAST");
             std::fflush(stdout);
             rows.push_back({{"operation", o.name},
                             {"numbering", numbering},

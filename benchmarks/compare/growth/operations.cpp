@@ -1,8 +1,5 @@
 #include "growth/operations.h"
 
-#include <filesystem>
-#include <string>
-
 namespace compare {
 
 dense2D<double> random_points(double n, unsigned int seed)
@@ -265,7 +262,7 @@ void field(const std::vector<tensor>& all, lap& l)
 void half(const mesh& m, lap& l)
 {
     index_matrix kept;
-    const double middle = m.pos(0, m.pos.cols / 2);
+    const double middle = 0.5 * std::cbrt(double(m.connect.cols) / 6);
     l.timed([&] { clip(m.pos, m.connect, {middle, middle, middle}, {1.0, 0.3, 0.2}, kept); });
 }
 void turn(const mesh& m, lap& l)
@@ -282,60 +279,6 @@ void bounding_box(const mesh& m, lap& l)
 {
     vector_fixed<double, 3> low, high;
     l.timed([&] { inc_bounding_box(m.pos, low, high); });
-}
-
-struct scratch_file {
-    std::string name =
-        (std::filesystem::temp_directory_path() / ("tessolv_growth_" + std::to_string(next_serial()))).string();
-    ~scratch_file() { std::filesystem::remove(name); }
-    const char* c_str() const { return name.c_str(); }
-};
-
-template <class Write>
-auto writing(Write write)
-{
-    return [write](const mesh& m, lap& l) {
-        const scratch_file file;
-        l.timed([&] { write(file.c_str(), m); });
-    };
-}
-
-const auto write_vtk = writing([](const char* f, const mesh& m) { vtk_output(f, m.pos, m.connect, m.type); });
-const auto write_medit = writing([](const char* f, const mesh& m) { medit_output(f, m.pos, m.connect, m.type); });
-const auto write_ensight = writing([](const char* f, const mesh& m) { ensight_output(f, m.pos, m.connect, m.type); });
-const auto write_stl_text = writing([](const char* f, const mesh& m) { STL_output(f, m.pos, m.connect, true); });
-const auto write_stl_binary = writing([](const char* f, const mesh& m) { STL_output(f, m.pos, m.connect, false); });
-const auto write_obj =
-    writing([](const char* f, const mesh& m) { WavefrontOBJ_output(f, m.pos, {}, {}, m.connect, {}); });
-
-template <bool Ascii>
-void read_stl(const mesh& m, lap& l)
-{
-    const scratch_file file;
-    STL_output(file.c_str(), m.pos, m.connect, Ascii);
-    dense2D<double> pos;
-    index_matrix connect;
-    l.timed([&] { STL_input(file.c_str(), pos, connect, Ascii); });
-}
-void read_obj(const mesh& m, lap& l)
-{
-    const scratch_file file;
-    std::FILE* const f = std::fopen(file.c_str(), "w");
-    for (std::uint64_t j = 0; j < m.pos.cols; ++j)
-        std::fprintf(f, "v %f %f %f\n", m.pos(0, j), m.pos(1, j), m.pos(2, j));
-    for (std::uint64_t e = 0; e < m.connect.cols; ++e)
-        std::fprintf(f, "f %u %u %u\n", m.connect(0, e) + 1, m.connect(1, e) + 1, m.connect(2, e) + 1);
-    std::fclose(f);
-    dense2D<double> pos, normals, uvs;
-    index_matrix trias, quads;
-    l.timed([&] { WavefrontOBJ_input(file.c_str(), pos, normals, uvs, trias, quads); });
-}
-
-// An operation on the input that `make` makes.
-template <class Make, class Run>
-operation with(const char* name, Make make, Run run, bool has_order = true)
-{
-    return {name, has_order, [=](double n, bool shuffled) { return on(make(n, shuffled), run); }};
 }
 
 mesh wedge(double n, bool shuffled)
@@ -371,55 +314,51 @@ std::vector<tensor> some_tensors(double n, bool)
 
 const std::vector<operation>& operations()
 {
-    static const std::vector<operation> all{
-        with("neighbours of triangles", tria, neighbors),
-        with("neighbours of tetrahedra", tetra, neighbors),
-        with("neighbours of hexahedra", hexa, neighbors),
-        with("boundary", tetra_and_neighbors, boundary),
-        with("ancestors", tetra, ancestors),
-        with("connected parts", tetra_and_neighbors, parts),
-        with("edges of triangles", tria, edges),
-        with("edges of tetrahedra", tetra, edges),
-        with("edges of hexahedra", hexa, edges),
-        with("unique indices", tetra, node_list),
-        with("change indices", tetra, renumber),
-        with("permutation", list, permute),
-        with("match elements", tria, match_elements),
-        with("match nodes", list, match_nodes),
-        with("append", tetra, append_elements),
-        with("simplify", tetra, drop_nodes),
-        with("copy mesh", tetra, copy_elements),
-        with("remove degenerated", tetra, drop_flat),
-        with("detector build", points, build),
-        with("nearest", points, nearest),
-        with("boxes", points, boxes),
-        with("weld", triangle_soup, weld),
-        with("quality of triangles", tria, qualities),
-        with("quality of quadrangles", quad, qualities),
-        with("quality of tetrahedra", tetra, qualities),
-        with("quality of pyramids", pyramid, qualities),
-        with("quality of wedges", wedge, qualities),
-        with("quality of hexahedra", hexa, qualities),
-        with("edge lengths", tetra_and_edges, lengths),
-        with("edge qualities", tetra, qualities_of_edges),
-        with("eigen-pairs", some_tensors, eigenvalues, false),
-        with("validity", some_tensors, validity, false),
-        with("validity of a field", some_tensors, field, false),
-        with("intersection", some_tensors, intersection, false),
-        with("clip", tetra, half),
-        with("rotate", tetra, turn),
-        with("rotate the nodes of elements", tetra, turn_listed),
-        with("bounding box", tetra, bounding_box),
-        with("write VTK", tetra, write_vtk),
-        with("write MEDIT", tetra, write_medit),
-        with("write EnSight", tetra, write_ensight),
-        with("write STL text", tria, write_stl_text),
-        with("write STL binary", tria, write_stl_binary),
-        with("write OBJ", tria, write_obj),
-        with("read STL text", tria, read_stl<true>),
-        with("read STL binary", tria, read_stl<false>),
-        with("read OBJ", tria, read_obj),
-    };
+    static const std::vector<operation> all = [] {
+        std::vector<operation> made{
+            with("neighbours of triangles", tria, neighbors),
+            with("neighbours of tetrahedra", tetra, neighbors),
+            with("neighbours of hexahedra", hexa, neighbors),
+            with("boundary", tetra_and_neighbors, boundary),
+            with("ancestors", tetra, ancestors),
+            with("connected parts", tetra_and_neighbors, parts),
+            with("edges of triangles", tria, edges),
+            with("edges of tetrahedra", tetra, edges),
+            with("edges of hexahedra", hexa, edges),
+            with("unique indices", tetra, node_list),
+            with("change indices", tetra, renumber),
+            with("permutation", list, permute),
+            with("match elements", tria, match_elements),
+            with("match nodes", list, match_nodes),
+            with("append", tetra, append_elements),
+            with("simplify", tetra, drop_nodes),
+            with("copy mesh", tetra, copy_elements),
+            with("remove degenerated", tetra, drop_flat),
+            with("detector build", points, build),
+            with("nearest", points, nearest),
+            with("boxes", points, boxes),
+            with("weld", triangle_soup, weld),
+            with("quality of triangles", tria, qualities),
+            with("quality of quadrangles", quad, qualities),
+            with("quality of tetrahedra", tetra, qualities),
+            with("quality of pyramids", pyramid, qualities),
+            with("quality of wedges", wedge, qualities),
+            with("quality of hexahedra", hexa, qualities),
+            with("edge lengths", tetra_and_edges, lengths),
+            with("edge qualities", tetra, qualities_of_edges),
+            with("eigen-pairs", some_tensors, eigenvalues, false),
+            with("validity", some_tensors, validity, false),
+            with("validity of a field", some_tensors, field, false),
+            with("intersection", some_tensors, intersection, false),
+            with("clip", tetra, half),
+            with("rotate", tetra, turn),
+            with("rotate the nodes of elements", tetra, turn_listed),
+            with("bounding box", tetra, bounding_box),
+        };
+        const auto& files = file_operations();
+        made.insert(made.end(), files.begin(), files.end());
+        return made;
+    }();
     return all;
 }
 

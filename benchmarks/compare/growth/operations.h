@@ -15,6 +15,7 @@ struct operation {
 };
 
 const std::vector<operation>& operations();
+const std::vector<operation>& file_operations();  // those of them that write and read files
 
 // An input made to be slow, and one of the same size that is not.
 struct hostile {
@@ -35,6 +36,13 @@ template <class Input, class Run>
 work on(Input input, Run run)
 {
     return [kept = std::make_shared<const Input>(std::move(input)), run](lap& l) { run(*kept, l); };
+}
+
+// An operation on the input that `make` makes.
+template <class Make, class Run>
+operation with(const char* name, Make make, Run run, bool has_order = true)
+{
+    return {name, has_order, [=](double n, bool shuffled) { return on(make(n, shuffled), run); }};
 }
 
 }  // namespace compare

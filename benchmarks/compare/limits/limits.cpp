@@ -221,7 +221,8 @@ const char* scan_integer(const char* at, const char*, double& x)
 
 std::pair<double, double> file_bytes_per_second()
 {
-    const std::string name = (std::filesystem::temp_directory_path() / "tessolv_compare_limits").string();
+    const std::string name =
+        (std::filesystem::temp_directory_path() / ("tessolv_limits_" + std::to_string(getpid()))).string();
     std::vector<char> block(mega, 'x');
     const int blocks = 256;
     const double written = best_of(3, [&](lap& l) {

@@ -7,7 +7,7 @@ namespace compare {
 
 // Points in the unit cube and places to search at, or for the weld a surface of separate facets.
 struct spatial_input : mesh {
-    dense2D<double> places;
+    dense2D<double> places = {};
     double half = 0.0;  // of the boxes: eight points are expected in each
     double tolerance = 0.0;
 

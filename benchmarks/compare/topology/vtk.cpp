@@ -2,7 +2,6 @@
 #include <vtkConnectivityFilter.h>
 #include <vtkDataSetSurfaceFilter.h>
 #include <vtkExtractEdges.h>
-#include <vtkGeometryFilter.h>
 
 #include "topology/input.h"
 #include "vtk_meshes.h"
@@ -70,14 +69,6 @@ void surface_filter(const topology_input& m, lap& l)
     l.answer({double(filter->GetOutput()->GetNumberOfCells())});
 }
 
-void geometry_filter(const topology_input& m, lap& l)
-{
-    vtkNew<vtkGeometryFilter> filter;
-    filter->MergingOff();
-    run_filter(filter.Get(), unstructured_grid(m), l);
-    l.answer({double(filter->GetOutput()->GetNumberOfCells())});
-}
-
 void links(const topology_input& m, lap& l)
 {
     const auto grid = unstructured_grid(m);
@@ -117,10 +108,8 @@ const bool entered = enter<topology_input>({
     {"neighbours", "VTK",
      "BuildLinks, then GetCellNeighbors for each face (vtkUnstructuredGrid) or GetCellEdgeNeighbors (vtkPolyData)", "",
      across_faces},
-    {"neighbours and boundary", "VTK surface", "vtkDataSetSurfaceFilter, its own way",
-     "no neighbours; a new point list", surface_filter},
-    {"neighbours and boundary", "VTK geometry", "vtkGeometryFilter", "no neighbours; a new point list",
-     geometry_filter},
+    {"neighbours and boundary", "VTK", "vtkDataSetSurfaceFilter, its own way", "no neighbours; a new point list",
+     surface_filter},
     {"ancestors", "VTK", "vtkUnstructuredGrid::BuildLinks", "all elements of each node", links},
     {"edges", "VTK", "vtkExtractEdges", "a new point list too", extract_edges},
     {"connected parts", "VTK", "vtkConnectivityFilter, all regions",
