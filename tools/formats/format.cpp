@@ -1,0 +1,94 @@
+#include "formats/format.h"
+
+#include <algorithm>
+#include <array>
+
+#include "errors.h"
+#include "formats/cursor.h"
+#include "formats/vtk_read.h"
+#include "formats/vtk_write.h"
+#include "words.h"
+
+namespace tool {
+namespace {
+
+const std::vector<format>& table()
+{
+    static const std::vector<format> formats{
+        {"vtk", "VTK legacy", {".vtk"}, is_vtk, read_vtk, write_vtk},
+    };
+    return formats;
+}
+
+bool has_suffix(std::string_view path, std::string_view suffix)
+{
+    return path.size() > suffix.size() && equal_words(path.substr(path.size() - suffix.size()), suffix);
+}
+
+const format* format_by_suffix(std::string_view path)
+{
+    for (const format& f : table())
+        for (const std::string_view suffix : f.suffixes)
+            if (has_suffix(path, suffix)) return &f;
+    return nullptr;
+}
+
+std::string known_names()
+{
+    std::vector<std::string> names;
+    for (const format& f : table()) names.emplace_back(f.name);
+    return joined(names);
+}
+
+}  // namespace
+
+std::span<const format> all_formats()
+{
+    return table();
+}
+
+const format& format_named(std::string_view name)
+{
+    for (const format& f : table())
+        if (f.name == name) return f;
+    throw wrong_usage("--format " + std::string(name) + ": the formats are " + known_names());
+}
+
+const format& input_format(const source& from, const std::optional<std::string>& name)
+{
+    if (name) return format_named(*name);
+    if (from.size() == 0) throw unreadable("is empty");
+    const std::string head = from.head();
+    for (const format& f : table())
+        if (f.detect != nullptr && f.detect(head)) return f;
+    const format* by_suffix = format_by_suffix(from.name());
+    if (by_suffix != nullptr && by_suffix->read != nullptr) return *by_suffix;
+    throw unreadable("is of no known format: neither its content nor its name tells one");
+}
+
+const format& output_format(const std::string& path, const std::optional<std::string>& name)
+{
+    if (name) return format_named(*name);
+    if (const format* found = format_by_suffix(path)) return *found;
+    throw wrong_usage(path == "-" ? "standard output needs --format: one of " + known_names()
+                                  : path + ": no format has this suffix; --format takes one of " + known_names());
+}
+
+mesh read_mesh(const source& from, const std::optional<std::string>& name)
+{
+    const format& f = input_format(from, name);
+    if (f.read == nullptr) throw unreadable(std::string(f.title) + " files are only written");
+    return f.read(from);
+}
+
+void write_mesh(const mesh& m, const std::string& path, const std::optional<std::string>& name, write_options options)
+{
+    const format& f = output_format(path, name);
+    if (f.write == nullptr) throw wrong_usage(std::string(f.title) + " files are only read");
+    options.path = path;
+    sink to(path);
+    f.write(m, to, options);
+    to.commit();
+}
+
+}  // namespace tool
