@@ -5,6 +5,7 @@
 
 #include "errors.h"
 #include "formats/cursor.h"
+#include "formats/gmsh_read.h"
 #include "formats/vtk_read.h"
 #include "formats/vtk_write.h"
 #include "words.h"
@@ -15,6 +16,7 @@ namespace {
 const std::vector<format>& table()
 {
     static const std::vector<format> formats{
+        {"gmsh", "Gmsh", {".msh"}, is_gmsh, read_gmsh, nullptr},
         {"vtk", "VTK legacy", {".vtk"}, is_vtk, read_vtk, write_vtk},
     };
     return formats;

@@ -5,6 +5,12 @@
 
 namespace tool {
 
+void mesh_builder::forget_groups()
+{
+    for (std::optional<collected>& kind : kinds_)
+        if (kind) kind->groups.clear();
+}
+
 std::vector<element_block> mesh_builder::take()
 {
     std::vector<element_block> blocks;

@@ -67,6 +67,9 @@ public:
 
     void reserve(zeb::element_type type, std::uint64_t count) { of(type).connect.reserve(count); }
 
+    // Every element so far is in no group after all.
+    void forget_groups();
+
     // Hands the blocks over, in the order of their kinds.
     std::vector<element_block> take();
 
