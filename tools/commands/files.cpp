@@ -5,9 +5,22 @@
 #include <new>
 
 #include "errors.h"
+#include "formats/medit_read.h"
 #include "terminal.h"
 
 namespace tool {
+namespace {
+
+void add_solution(const std::string& path, mesh& m)
+{
+    try {
+        read_medit_solution(source::open(path), m);
+    } catch (const std::exception&) {
+        throw failure_of(path, std::current_exception());
+    }
+}
+
+}  // namespace
 
 void print(const std::string& text)
 {
@@ -49,6 +62,7 @@ loaded load(const std::string& path, const shared_options& options)
         source from = source::open(path);
         const format& as = input_format(from, options.format_of_inputs());
         mesh content = read_mesh(from, std::string(as.name));
+        if (options.solution) add_solution(*options.solution, content);
         return {std::move(from), &as, std::move(content)};
     } catch (const std::exception&) {
         throw failure_of(path, std::current_exception());

@@ -17,6 +17,7 @@ std::string names_of_formats()
 void declare_file(CLI::App& app, shared_options& options)
 {
     app.add_option("FILE", options.files, "the mesh; - is standard input")->required()->expected(1);
+    app.add_option("--sol", options.solution, "a MEDIT solution with values for the mesh");
 }
 
 void declare_files(CLI::App& app, shared_options& options)

@@ -15,6 +15,7 @@ struct shared_options {
     std::optional<std::string> output;
     std::optional<std::string> format;        // of the output, in a command that writes no mesh of the inputs
     std::optional<std::string> input_format;  // in a command that writes a mesh
+    std::optional<std::string> solution;      // values on the nodes of the one input
     std::optional<double> tolerance;
     std::string writer = "complete";
     bool json = false;
@@ -30,7 +31,7 @@ struct shared_options {
     const std::optional<std::string>& format_of_inputs() const { return writes_mesh ? input_format : format; }
 };
 
-void declare_file(CLI::App& app, shared_options& options);   // one FILE
+void declare_file(CLI::App& app, shared_options& options);   // one FILE, and --sol
 void declare_files(CLI::App& app, shared_options& options);  // one or more, and --skip-unreadable
 // --output, --force, --ascii, --lossy, --writer, --format of the output and --input-format.
 CLI::Option* declare_output(CLI::App& app, shared_options& options);

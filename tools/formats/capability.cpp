@@ -1,5 +1,7 @@
 #include "formats/capability.h"
 
+#include <algorithm>
+
 #include "errors.h"
 #include "mesh/kinds.h"
 #include "words.h"
@@ -10,15 +12,20 @@ std::vector<writable_block> writable_blocks(const mesh& m, std::string_view form
                                             const write_options& options)
 {
     std::vector<writable_block> blocks;
+    int dimension = 0;
+    for (const element_block& block : m.blocks) dimension = std::max(dimension, info_of(block.type).dimension);
+    const auto add = [&](const element_block& block, zeb::element_type type) {
+        blocks.push_back({&block, type, blocks.empty() ? 0 : blocks.back().first + blocks.back().size()});
+    };
     for (const element_block& block : m.blocks) {
         const zeb::element_type corners = info_of(block.type).linear;
         const std::string told = counted_elements(block.size(), block.type);
         if (holds(block.type)) {
-            blocks.push_back({&block, block.type});
-        } else if (!options.lossy) {
+            add(block, block.type);
+        } else if (!options.lossy && info_of(block.type).dimension == dimension) {
             throw unwritable(std::string(format) + " cannot hold " + told + "; --lossy writes what it can");
         } else if (holds(corners)) {
-            blocks.push_back({&block, corners});
+            add(block, corners);
             options.note(told + " written by their corners");
         } else {
             options.note(told + " left out");

@@ -11,13 +11,15 @@ namespace tool {
 struct writable_block {
     const element_block* block;
     zeb::element_type type;  // as which it is written
+    std::uint64_t first;     // elements in the written blocks before it
 
     std::uint64_t size() const { return block->size(); }
     const unsigned int* nodes(std::uint64_t e) const { return &block->connect(0, e); }
 };
 
-// The blocks that a format can hold: holds(type) says so. Of the others, lossy writing takes the corners or nothing
-// and notes it; without it they are `unwritable`.
+// The blocks that a format can hold: holds(type) says so. Others are `unwritable`, but for two cases, in which their
+// corners are written, or nothing, with a note: lossy writing, and elements of a lower dimension than the mesh has,
+// which many programs add for their own ends.
 std::vector<writable_block> writable_blocks(const mesh& m, std::string_view format, bool (*holds)(zeb::element_type),
                                             const write_options& options);
 

@@ -6,6 +6,9 @@
 #include "errors.h"
 #include "formats/cursor.h"
 #include "formats/gmsh_read.h"
+#include "formats/gmsh_write.h"
+#include "formats/medit_read.h"
+#include "formats/medit_write.h"
 #include "formats/vtk_read.h"
 #include "formats/vtk_write.h"
 #include "words.h"
@@ -16,7 +19,10 @@ namespace {
 const std::vector<format>& table()
 {
     static const std::vector<format> formats{
-        {"gmsh", "Gmsh", {".msh"}, is_gmsh, read_gmsh, nullptr},
+        {"gmsh", "Gmsh", {".msh"}, is_gmsh, read_gmsh, write_gmsh41},
+        {"gmsh22", "Gmsh 2.2", {".msh2"}, nullptr, read_gmsh, write_gmsh22},
+        {"medit", "MEDIT", {".mesh"}, is_medit, read_medit, write_medit},
+        {"sol", "MEDIT solution", {".sol"}, is_medit_solution, refuse_medit_solution, write_medit_solution},
         {"vtk", "VTK legacy", {".vtk"}, is_vtk, read_vtk, write_vtk},
     };
     return formats;
