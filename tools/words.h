@@ -22,6 +22,12 @@ inline std::string quoted(std::string_view text)
     return result;
 }
 
+inline void append_word(std::string& text, std::string_view word)
+{
+    if (!text.empty()) text += ' ';
+    text.append(word);
+}
+
 inline std::string joined(const std::vector<std::string>& parts)
 {
     std::string text;

@@ -11,11 +11,6 @@
 namespace tool {
 namespace {
 
-bool is_word_end(char c)
-{
-    return is_blank(static_cast<unsigned char>(c)) || c == '\0';
-}
-
 // from_chars gives no value beyond the range of doubles; the exponent's sign tells which way.
 double beyond_range(std::string_view word)
 {
@@ -118,7 +113,7 @@ std::string_view cursor::word()
     skip_blanks();
     ensure(margin);
     const char* end = at_;
-    while (!is_word_end(*end)) ++end;
+    while (!ends_word(end)) ++end;
     if (static_cast<std::size_t>(end - at_) >= margin) fail("a word of more than 500 letters");
     const std::string_view found(at_, static_cast<std::size_t>(end - at_));
     at_ = end;
@@ -152,7 +147,7 @@ double cursor::real(const char* what)
     ensure(margin);
     double value = 0;
     const auto [end, error] = std::from_chars(at_, limit_, value);
-    if (error == std::errc() && is_word_end(*end)) {
+    if (error == std::errc() && ends_word(end)) {
         at_ = end;
         return value;
     }
@@ -172,7 +167,7 @@ std::int64_t cursor::integer(const char* what)
     const char* s = at_;
     std::int64_t value = 0;
     while (static_cast<unsigned char>(*s - '0') <= 9 && s - at_ < 18) value = value * 10 + (*s++ - '0');
-    if (s != at_ && is_word_end(*s)) {
+    if (s != at_ && ends_word(s)) {
         at_ = s;
         return value;
     }

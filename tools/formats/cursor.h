@@ -75,6 +75,8 @@ private:
     static constexpr std::size_t margin = 512;  // longest word and number
 
     bool refill();
+    // A zero byte within the input is a part of its word.
+    bool ends_word(const char* at) const { return is_blank(static_cast<unsigned char>(*at)) || at == limit_; }
     void ensure(std::size_t bytes)
     {
         while (static_cast<std::size_t>(limit_ - at_) < bytes && refill()) {

@@ -9,6 +9,10 @@
 #include "formats/gmsh_write.h"
 #include "formats/medit_read.h"
 #include "formats/medit_write.h"
+#include "formats/obj_read.h"
+#include "formats/obj_write.h"
+#include "formats/stl_read.h"
+#include "formats/stl_write.h"
 #include "formats/vtk_read.h"
 #include "formats/vtk_write.h"
 #include "words.h"
@@ -19,11 +23,13 @@ namespace {
 const std::vector<format>& table()
 {
     static const std::vector<format> formats{
-        {"gmsh", "Gmsh", {".msh"}, is_gmsh, read_gmsh, write_gmsh41},
-        {"gmsh22", "Gmsh 2.2", {".msh2"}, nullptr, read_gmsh, write_gmsh22},
-        {"medit", "MEDIT", {".mesh"}, is_medit, read_medit, write_medit},
-        {"sol", "MEDIT solution", {".sol"}, is_medit_solution, refuse_medit_solution, write_medit_solution},
-        {"vtk", "VTK legacy", {".vtk"}, is_vtk, read_vtk, write_vtk},
+        {"stl", "STL", {".stl", ".stla", ".stlb"}, nullptr, is_stl, read_stl, write_stl},
+        {"obj", "Wavefront OBJ", {".obj"}, is_obj, nullptr, read_obj, write_obj},
+        {"gmsh", "Gmsh", {".msh"}, is_gmsh, nullptr, read_gmsh, write_gmsh41},
+        {"gmsh22", "Gmsh 2.2", {".msh2"}, nullptr, nullptr, read_gmsh, write_gmsh22},
+        {"medit", "MEDIT", {".mesh"}, is_medit, nullptr, read_medit, write_medit},
+        {"sol", "MEDIT solution", {".sol"}, is_medit_solution, nullptr, refuse_medit_solution, write_medit_solution},
+        {"vtk", "VTK legacy", {".vtk"}, is_vtk, nullptr, read_vtk, write_vtk},
     };
     return formats;
 }
@@ -69,6 +75,8 @@ const format& input_format(const source& from, const std::optional<std::string>&
     const std::string head = from.head();
     for (const format& f : table())
         if (f.detect != nullptr && f.detect(head)) return f;
+    for (const format& f : table())
+        if (f.detect_whole != nullptr && f.detect_whole(from)) return f;
     const format* by_suffix = format_by_suffix(from.name());
     if (by_suffix != nullptr && by_suffix->read != nullptr) return *by_suffix;
     throw unreadable("is of no known format: neither its content nor its name tells one");

@@ -35,6 +35,8 @@ struct format {
     std::vector<std::string_view> suffixes;
     // Whether a file begins like this one; null for a format that is not read, or not told by its content.
     bool (*detect)(std::string_view head);
+    // The same where the beginning does not tell.
+    bool (*detect_whole)(const source& from);
     // Throws `unreadable`. What reads as a mesh but is wrong in itself comes out as it is.
     mesh (*read)(const source& from);
     // Throws `unwritable` for what the format cannot hold. The mesh is sound.

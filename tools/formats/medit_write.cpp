@@ -1,5 +1,6 @@
 #include "formats/medit_write.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "errors.h"
@@ -27,7 +28,9 @@ void line(sink& to, const char* word, std::uint64_t number)
 const field* references_of(const mesh& m)
 {
     for (const field& f : m.point_fields)
-        if (f.name == "medit:ref" && f.components == 1 && f.kind == number_kind::integer) return &f;
+        if (f.name == "medit:ref" && f.components == 1 &&
+            std::ranges::all_of(f.values, [](double v) { return std::nearbyint(v) == v && std::fabs(v) < 1e9; }))
+            return &f;
     return nullptr;
 }
 

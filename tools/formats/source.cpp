@@ -32,25 +32,12 @@ std::string all_of_standard_input()
 source source::open(const std::string& path)
 {
     if (path == "-") return of_bytes(all_of_standard_input(), path);
-    source opened;
-    opened.name_ = path;
-    opened.file_ = std::make_shared<const input_file>(path);
-    return opened;
+    return {path, std::make_shared<const input_file>(path)};
 }
 
 source source::of_bytes(std::string bytes, std::string name)
 {
-    source made;
-    made.name_ = std::move(name);
-    made.bytes_ = std::move(bytes);
-    return made;
-}
-
-std::size_t source::read_at(std::uint64_t offset, char* to, std::size_t count) const
-{
-    if (file_) return file_->read_at(offset, reinterpret_cast<unsigned char*>(to), count);
-    if (offset >= bytes_.size()) return 0;
-    return bytes_.copy(to, count, static_cast<std::size_t>(offset));
+    return {std::move(name), std::make_shared<const input_file>(input_file::in_memory{std::move(bytes)})};
 }
 
 std::string source::head() const

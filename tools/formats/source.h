@@ -20,24 +20,27 @@ public:
     static source of_bytes(std::string bytes, std::string name = "-");
 
     const std::string& name() const { return name_; }
-    std::uint64_t size() const { return file_ ? file_->size() : bytes_.size(); }
+    std::uint64_t size() const { return file_->size(); }
 
     // Up to `count` bytes from `offset` on; fewer only at the end.
-    std::size_t read_at(std::uint64_t offset, char* to, std::size_t count) const;
+    std::size_t read_at(std::uint64_t offset, char* to, std::size_t count) const
+    {
+        return file_->read_at(offset, reinterpret_cast<unsigned char*>(to), count);
+    }
 
     // The first bytes, by which a format is told.
     std::string head() const;
 
     // Whether a path leads to this very file.
-    bool is_same_file(const std::string& path) const { return file_ && file_->is_same_file(path); }
+    bool is_same_file(const std::string& path) const { return file_->is_same_file(path); }
 
-    // The regular file behind it, or null.
-    const input_file* file() const { return file_.get(); }
+    const input_file& file() const { return *file_; }
 
 private:
+    source(std::string name, std::shared_ptr<const input_file> file) : name_(std::move(name)), file_(std::move(file)) {}
+
     std::string name_;
     std::shared_ptr<const input_file> file_;
-    std::string bytes_;
 };
 
 }  // namespace tool

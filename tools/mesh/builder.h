@@ -37,6 +37,7 @@ public:
     }
 
     std::uint64_t size() const { return used_; }
+    const T* column(std::uint64_t j) const { return &matrix_(0, j); }
 
     zeb::dense2D<T> take()
     {

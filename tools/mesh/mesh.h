@@ -52,6 +52,13 @@ struct reading_fault {
     std::string text;  // for people
 };
 
+// What an STL file says of itself.
+struct facet_counts {
+    bool ascii = false;
+    std::uint64_t in_file = 0;  // announced by the header, or by the word "facet"
+    std::uint64_t read = 0;
+};
+
 // A mesh as a file has it. Nothing in it is checked against the rest but for the sizes: see faults_of.
 struct mesh {
     coordinates pos;                    // 2 or 3 rows, one column per node
@@ -63,6 +70,7 @@ struct mesh {
     std::vector<reading_fault> faults;
     std::vector<std::string> notes;  // what the reader had to do: polygons that were cut, for example
     std::string title;
+    std::optional<facet_counts> facets;  // of an STL file
 
     std::uint64_t element_count() const;
     bool has_groups() const;

@@ -1,0 +1,160 @@
+#include "formats/stl_write.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <map>
+
+#include "errors.h"
+#include "formats/capability.h"
+#include "words.h"
+
+namespace tool {
+namespace {
+
+using point = std::array<double, 3>;
+
+bool stl_holds(zeb::element_type type)
+{
+    return type == zeb::EL_TRIA3 || type == zeb::EL_QUAD4;
+}
+
+point position(const coordinates& pos, unsigned int node)
+{
+    return {pos(0, node), pos(1, node), pos.rows > 2 ? pos(2, node) : 0.0};
+}
+
+point normal_of(const point* p)
+{
+    point a;
+    point b;
+    for (std::size_t i = 0; i < 3; ++i) {
+        a[i] = p[1][i] - p[0][i];
+        b[i] = p[2][i] - p[0][i];
+    }
+    point n{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+    const double length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (!(length > 0) || !std::isfinite(length)) return {0, 0, 0};
+    for (double& x : n) x = x / length + 0.0;
+    return n;
+}
+
+class stl_writer {
+public:
+    stl_writer(const mesh& m, sink& to, const write_options& options)
+        : mesh_(m), to_(to), blocks_(writable_blocks(m, "STL", stl_holds, options))
+    {
+        note_fields(m, "STL", options);
+        for (const writable_block& b : blocks_)
+            if (b.type == zeb::EL_QUAD4) options.note(counted(b.size(), "quadrangle", "quadrangles") + " cut in two");
+        if (!options.ascii && m.has_groups()) options.note("a binary STL file holds one solid: groups left out");
+    }
+
+    void write_text()
+    {
+        std::map<std::int32_t, std::uint64_t> groups;
+        for (const writable_block& b : blocks_) {
+            if (b.block->groups.empty()) groups[0] += b.size();
+            for (const std::int32_t group : b.block->groups) ++groups[group];
+        }
+        for (const auto& [group, size] : groups) write_solid(group, groups.size() > 1);
+        if (groups.empty()) to_.text("solid\nendsolid\n");
+    }
+
+    void write_binary()
+    {
+        std::array<char, 80> header{};
+        constexpr std::string_view text = "binary STL written by tessolv";
+        text.copy(header.data(), text.size());
+        to_.raw(header.data(), header.size());
+        std::uint64_t facets = 0;
+        for (const writable_block& b : blocks_) facets += b.size() * (b.type == zeb::EL_QUAD4 ? 2 : 1);
+        if (facets > std::numeric_limits<std::uint32_t>::max())
+            throw unwritable("too many triangles for a binary STL file");
+        little_endian(static_cast<std::uint32_t>(facets));
+        for (const writable_block& b : blocks_)
+            for (std::uint64_t e = 0; e < b.size(); ++e) write_element(b, e, [&](const point* p) { binary_facet(p); });
+    }
+
+private:
+    template <class Write>
+    void write_element(const writable_block& b, std::uint64_t e, Write write)
+    {
+        const unsigned int* n = b.nodes(e);
+        point p[3] = {position(mesh_.pos, n[0]), position(mesh_.pos, n[1]), position(mesh_.pos, n[2])};
+        write(p);
+        if (b.type != zeb::EL_QUAD4) return;
+        p[1] = p[2];
+        p[2] = position(mesh_.pos, n[3]);
+        write(p);
+    }
+
+    void write_solid(std::int32_t group, bool several)
+    {
+        const group_name* named = find_group_name(mesh_, 2, group);
+        std::string name = named != nullptr ? named->name : several ? "group_" + std::to_string(group) : "";
+        for (char& c : name)
+            if (c == '\n' || c == '\r') c = ' ';
+        const std::string title = name.empty() ? "\n" : ' ' + name + '\n';
+        to_.text("solid" + title);
+        for (const writable_block& b : blocks_)
+            for (std::uint64_t e = 0; e < b.size(); ++e)
+                if (b.block->group(e) == group) write_element(b, e, [&](const point* p) { text_facet(p); });
+        to_.text("endsolid" + title);
+    }
+
+    void text_triple(const char* words, const point& p)
+    {
+        to_.text(words);
+        for (const double x : p) {
+            to_.put(' ');
+            to_.real(x);
+        }
+    }
+
+    void text_facet(const point* p)
+    {
+        // Of a normal seven digits are plenty.
+        to_.text("facet normal");
+        for (const double x : normal_of(p)) {
+            to_.put(' ');
+            to_.real(static_cast<float>(x));
+        }
+        to_.text("\n outer loop");
+        for (int k = 0; k < 3; ++k) text_triple("\n  vertex", p[k]);
+        to_.text("\n endloop\nendfacet\n");
+    }
+
+    void binary_facet(const point* p)
+    {
+        constexpr double most = std::numeric_limits<float>::max();
+        for (const double x : normal_of(p)) little_endian(std::bit_cast<std::uint32_t>(static_cast<float>(x)));
+        for (int k = 0; k < 3; ++k) {
+            for (const double x : p[k]) {
+                if (std::fabs(x) > most) throw unwritable("a coordinate is beyond the 32 bits of a binary STL file");
+                little_endian(std::bit_cast<std::uint32_t>(static_cast<float>(x)));
+            }
+        }
+        to_.raw("\0", 2);
+    }
+
+    void little_endian(std::uint32_t value)
+    {
+        if constexpr (std::endian::native == std::endian::big) value = __builtin_bswap32(value);
+        to_.raw(&value, sizeof value);
+    }
+
+    const mesh& mesh_;
+    sink& to_;
+    std::vector<writable_block> blocks_;
+};
+
+}  // namespace
+
+void write_stl(const mesh& m, sink& to, const write_options& options)
+{
+    stl_writer writer(m, to, options);
+    options.ascii ? writer.write_text() : writer.write_binary();
+}
+
+}  // namespace tool
