@@ -133,6 +133,21 @@ std::string_view cursor::line()
     return found;
 }
 
+bool cursor::copy_until(char letter, std::string* passed)
+{
+    bool words = false;
+    while (!at_end()) {
+        const auto seen = static_cast<std::size_t>(limit_ - at_);
+        const auto* found = static_cast<const char*>(std::memchr(at_, letter, seen));
+        const char* end = found != nullptr ? found : limit_;
+        words = words || std::any_of(at_, end, [](char c) { return !is_blank(static_cast<unsigned char>(c)); });
+        if (passed != nullptr) passed->append(at_, end);
+        at_ = end;
+        if (found != nullptr) break;
+    }
+    return words;
+}
+
 void cursor::expect(std::string_view wanted)
 {
     const std::string_view found = word();

@@ -48,6 +48,10 @@ public:
         for (std::uint64_t i = 0; i < n; ++i) to[i] = real(what);
     }
 
+    // Goes on to the next such letter, or the end, and hands what lies before it over. Whether that is more than white
+    // space.
+    bool copy_until(char letter, std::string* passed);
+
     // Exactly `n` bytes.
     void raw(void* to, std::uint64_t n, const char* what);
 

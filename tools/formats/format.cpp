@@ -15,6 +15,8 @@
 #include "formats/stl_write.h"
 #include "formats/vtk_read.h"
 #include "formats/vtk_write.h"
+#include "formats/vtu_read.h"
+#include "formats/vtu_write.h"
 #include "words.h"
 
 namespace tool {
@@ -29,6 +31,7 @@ const std::vector<format>& table()
         {"gmsh22", "Gmsh 2.2", {".msh2"}, nullptr, nullptr, read_gmsh, write_gmsh22},
         {"medit", "MEDIT", {".mesh"}, is_medit, nullptr, read_medit, write_medit},
         {"sol", "MEDIT solution", {".sol"}, is_medit_solution, nullptr, refuse_medit_solution, write_medit_solution},
+        {"vtu", "VTK XML", {".vtu"}, is_vtu, nullptr, read_vtu, write_vtu},
         {"vtk", "VTK legacy", {".vtk"}, is_vtk, nullptr, read_vtk, write_vtk},
     };
     return formats;

@@ -15,7 +15,6 @@ namespace tool {
 
 struct write_options {
     bool ascii = false;    // text where a format has both
-    bool compress = true;  // where a format can
     bool lossy = false;    // leave out, and tell, what the format cannot hold, instead of refusing
     bool library = false;  // the library's own writer instead of the complete one
     std::string path;      // of the output, for names within it and files beside it
