@@ -66,6 +66,7 @@ cursor::cursor(const source& from, std::uint64_t begin, std::uint64_t end)
 {
     block_[0] = '\0';
     refill();
+    if (begin == 0 && std::string_view(at_).starts_with("\xEF\xBB\xBF")) at_ += 3;
 }
 
 bool cursor::refill()

@@ -27,8 +27,18 @@ public:
     mesh run()
     {
         while (in_.skip_blanks(), !in_.at_end()) {
+            if (in_.peek() == '#') {
+                in_.skip_line();
+                continue;
+            }
             take_line(in_.word());
-            while (more_on_line()) in_.word();
+            while (more_on_line()) {
+                if (in_.peek() == '#') {
+                    in_.skip_line();
+                    break;
+                }
+                in_.word();
+            }
         }
         result_.pos = pos_.take();
         result_.node_numbers = numbering(1, result_.pos.cols);
@@ -65,8 +75,6 @@ private:
             for (const unsigned int node : corners_) add(zeb::EL_NODE, {&node, 1});
         } else if (word == "g" || word == "o") {
             take_group(word == "g");
-        } else if (word.front() == '#') {
-            in_.skip_line();
         }
     }
 
@@ -136,10 +144,7 @@ private:
     void take_corners()
     {
         corners_.clear();
-        while (more_on_line()) {
-            if (in_.peek() == '#') return in_.skip_line();
-            take_corner(in_.word());
-        }
+        while (more_on_line() && in_.peek() != '#') take_corner(in_.word());
         ++number_;
     }
 

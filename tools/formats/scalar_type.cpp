@@ -13,7 +13,7 @@
 namespace tool {
 namespace {
 
-constexpr std::array<scalar_info, 14> scalars{{
+constexpr std::array<scalar_info, 20> scalars{{
     {scalar_type::bit, 0, "bit", "Bit", number_kind::integer},
     {scalar_type::int8, 1, "char", "Int8", number_kind::integer},
     {scalar_type::uint8, 1, "unsigned_char", "UInt8", number_kind::integer},
@@ -28,6 +28,12 @@ constexpr std::array<scalar_info, 14> scalars{{
     {scalar_type::int64, 8, "long", "Int64", number_kind::integer},
     {scalar_type::uint64, 8, "unsigned_long", "UInt64", number_kind::integer},
     {scalar_type::int64, 8, "vtkIdType", "Int64", number_kind::integer},
+    {scalar_type::int32, 4, "vtktypeint32", "Int32", number_kind::integer},
+    {scalar_type::uint32, 4, "vtktypeuint32", "UInt32", number_kind::integer},
+    {scalar_type::int16, 2, "vtktypeint16", "Int16", number_kind::integer},
+    {scalar_type::uint16, 2, "vtktypeuint16", "UInt16", number_kind::integer},
+    {scalar_type::int8, 1, "vtktypeint8", "Int8", number_kind::integer},
+    {scalar_type::uint8, 1, "vtktypeuint8", "UInt8", number_kind::integer},
 }};
 
 template <class Stored>

@@ -1,0 +1,9 @@
+"""Reads a mesh with meshio and writes it again: meshio_again.py INPUT OUTPUT."""
+import sys
+
+import meshio
+
+source, target = sys.argv[1:]
+# The suffix .msh stands for several formats there.
+mesh = meshio.read(source, file_format="gmsh" if source.endswith(".msh") else None)
+meshio.write(target, mesh, file_format="gmsh" if target.endswith(".msh") else None)
