@@ -4,6 +4,6 @@ import sys
 import meshio
 
 source, target = sys.argv[1:]
-# The suffix .msh stands for several formats there.
+# The suffix .msh stands for several formats there, of which the older one takes any mesh.
 mesh = meshio.read(source, file_format="gmsh" if source.endswith(".msh") else None)
-meshio.write(target, mesh, file_format="gmsh" if target.endswith(".msh") else None)
+meshio.write(target, mesh, file_format="gmsh22" if target.endswith(".msh") else None)

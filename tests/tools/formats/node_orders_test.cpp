@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/formats/every_kind.h"
 #include "mesh/kinds.h"
+#include "tools/formats/every_kind.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "errors.h"
-#include "tools/formats/every_kind.h"
 #include "mesh/polygon.h"
+#include "tools/formats/every_kind.h"
 #include "tools/stl_files.h"
 
 // Files as other programs write them, and what is in them.

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "errors.h"
-#include "tools/formats/every_kind.h"
 #include "formats/medit_read.h"
 #include "mesh/kinds.h"
+#include "tools/formats/every_kind.h"
 
 // What a format can hold comes back from it, number for number.
 

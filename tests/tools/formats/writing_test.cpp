@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "errors.h"
-#include "tools/formats/every_kind.h"
 #include "formats/file_beside.h"
+#include "tools/formats/every_kind.h"
 #include "tools/stl_files.h"
 
 namespace {
