@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -39,12 +40,18 @@ constexpr std::array<scalar_info, 20> scalars{{
 template <class Stored>
 Stored load(const char* bytes, bool reversed)
 {
-    std::array<char, sizeof(Stored)> copy;
-    std::memcpy(copy.data(), bytes, sizeof(Stored));
-    if (reversed) std::ranges::reverse(copy);
-    Stored value;
-    std::memcpy(&value, copy.data(), sizeof(Stored));
-    return value;
+    using plain =
+        std::conditional_t<sizeof(Stored) == 8, std::uint64_t,
+                           std::conditional_t<sizeof(Stored) == 4, std::uint32_t,
+                                              std::conditional_t<sizeof(Stored) == 2, std::uint16_t, std::uint8_t>>>;
+    plain value;
+    std::memcpy(&value, bytes, sizeof value);
+    if (reversed) {
+        if constexpr (sizeof value == 8) value = __builtin_bswap64(value);
+        if constexpr (sizeof value == 4) value = __builtin_bswap32(value);
+        if constexpr (sizeof value == 2) value = __builtin_bswap16(value);
+    }
+    return std::bit_cast<Stored>(value);
 }
 
 template <class To, class Stored>

@@ -164,7 +164,7 @@ private:
     void little_endian(std::uint32_t value)
     {
         if constexpr (std::endian::native == std::endian::big) value = __builtin_bswap32(value);
-        to_.raw(&value, sizeof value);
+        to_.value(value);
     }
 
     const mesh& mesh_;

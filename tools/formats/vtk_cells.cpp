@@ -224,23 +224,28 @@ void vtk_cells::read_list(number_stream& in, std::uint64_t cells, std::uint64_t 
     if (cells > numbers)
         where.fail(std::to_string(cells) + " cells in a list of " + std::to_string(numbers) + " numbers");
     sizes.reserve(sizes.size() + cells);
-    nodes.reserve(nodes.size() + (numbers - cells));
+    const std::size_t first = nodes.size();
+    nodes.resize(first + (numbers - cells));
+    unsigned int* to = nodes.data() + first;
+    std::uint64_t room = numbers - cells;
     const std::uint64_t wanted = sizes.size() + cells;
-    std::int64_t missing = 0;  // nodes of the present cell
+    std::uint64_t missing = 0;  // nodes of the present cell
     in.for_each_block(numbers, [&](const std::int64_t* block, std::uint64_t n) {
-        for (std::uint64_t i = 0; i < n; ++i) {
-            if (missing != 0) {
-                nodes.push_back(node_index(block[i], 0));
-                --missing;
-                continue;
+        for (std::uint64_t i = 0; i < n;) {
+            if (missing == 0) {
+                const std::int64_t size = block[i++];
+                if (size < 0 || static_cast<std::uint64_t>(size) > room || sizes.size() == wanted)
+                    where.fail("the list of cells does not add up");
+                missing = static_cast<std::uint64_t>(size);
+                room -= missing;
+                sizes.push_back(static_cast<unsigned int>(size));
             }
-            missing = block[i];
-            if (missing < 0 || missing >= std::int64_t{NONE_INDEX} || sizes.size() == wanted)
-                where.fail("the list of cells does not add up");
-            sizes.push_back(static_cast<unsigned int>(missing));
+            const std::uint64_t part = std::min(missing, n - i);
+            for (const std::int64_t* end = block + i + part; block + i != end; ++i) *to++ = node_index(block[i], 0);
+            missing -= part;
         }
     });
-    if (missing != 0 || sizes.size() != wanted) where.fail("the list of cells does not add up");
+    if (missing != 0 || room != 0 || sizes.size() != wanted) where.fail("the list of cells does not add up");
 }
 
 void vtk_cells::read_offsets(number_stream& in, std::uint64_t count, bool leading_zero, const cursor& where)
@@ -262,9 +267,11 @@ void vtk_cells::read_offsets(number_stream& in, std::uint64_t count, bool leadin
 
 void vtk_cells::read_nodes(number_stream& in, std::uint64_t count)
 {
-    nodes.reserve(nodes.size() + count);
+    const std::size_t first = nodes.size();
+    nodes.resize(first + count);
+    unsigned int* to = nodes.data() + first;
     in.for_each_block(count, [&](const std::int64_t* block, std::uint64_t n) {
-        for (std::uint64_t i = 0; i < n; ++i) nodes.push_back(node_index(block[i], 0));
+        for (std::uint64_t i = 0; i < n; ++i) *to++ = node_index(block[i], 0);
     });
 }
 
