@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <set>
 
 #include "errors.h"
 #include "formats/cursor.h"
@@ -182,12 +183,12 @@ private:
         if (is_new) {
             entry->second = number_in(name);
             if (entry->second == 0) {
-                while (std::ranges::any_of(groups_, [&](const auto& g) { return g.second == next_group_; }))
-                    ++next_group_;
+                while (used_.contains(next_group_)) ++next_group_;
                 entry->second = next_group_++;
                 result_.group_names.push_back({-1, entry->second, name});
             }
         }
+        used_.insert(entry->second);
         group_ = entry->second;
     }
 
@@ -217,6 +218,7 @@ private:
     attribute uvs_;
     std::vector<unsigned int> corners_;
     std::map<std::string, std::int32_t> groups_;
+    std::set<std::int32_t> used_;  // their numbers
     std::int32_t group_ = 0;
     std::int32_t next_group_ = 1;
     bool has_groups_ = false;

@@ -1,5 +1,6 @@
 #include "formats/stl_write.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -53,13 +54,23 @@ public:
     void write_text()
     {
         make_lines();
-        std::map<std::int32_t, std::uint64_t> groups;
-        for (const writable_block& b : blocks_) {
-            if (b.block->groups.empty()) groups[0] += b.size();
-            for (const std::int32_t group : b.block->groups) ++groups[group];
+        const auto text = [this](const point* p, const unsigned int* n) { text_facet(p, n); };
+        if (blocks_.empty()) return to_.text("solid\nendsolid\n");
+        if (has_one_group()) {
+            const std::string title = begin_solid(blocks_.front().block->group(0), false);
+            for (const writable_block& b : blocks_)
+                for (std::uint64_t e = 0; e < b.size(); ++e) write_element(b, e, text);
+            return to_.text("endsolid" + title);
         }
-        for (const auto& [group, size] : groups) write_solid(group, groups.size() > 1);
-        if (groups.empty()) to_.text("solid\nendsolid\n");
+        // Each group in turn: the elements of every block, in order.
+        std::map<std::int32_t, std::vector<element>> groups;
+        for (const writable_block& b : blocks_)
+            for (std::uint32_t e = 0; e < b.size(); ++e) groups[b.block->group(e)].push_back({&b, e});
+        for (const auto& [group, elements] : groups) {
+            const std::string title = begin_solid(group, true);
+            for (const element& e : elements) write_element(*e.block, e.number, text);
+            to_.text("endsolid" + title);
+        }
     }
 
     void write_binary()
@@ -92,7 +103,22 @@ private:
         write(p, second);
     }
 
-    void write_solid(std::int32_t group, bool several)
+    struct element {
+        const writable_block* block;
+        std::uint32_t number;
+    };
+
+    bool has_one_group() const
+    {
+        const std::int32_t first = blocks_.front().block->group(0);
+        return std::ranges::all_of(blocks_, [&](const writable_block& b) {
+            const std::vector<std::int32_t>& groups = b.block->groups;
+            return groups.empty() ? first == 0 : std::ranges::count(groups, first) == std::ssize(groups);
+        });
+    }
+
+    // The first line; what stands behind "solid" there and behind "endsolid" in the last one is returned.
+    std::string begin_solid(std::int32_t group, bool several)
     {
         const group_name* named = find_group_name(mesh_, 2, group);
         std::string name = named != nullptr ? named->name : several ? "group_" + std::to_string(group) : "";
@@ -100,11 +126,7 @@ private:
             if (c == '\n' || c == '\r') c = ' ';
         const std::string title = name.empty() ? "\n" : ' ' + name + '\n';
         to_.text("solid" + title);
-        for (const writable_block& b : blocks_)
-            for (std::uint64_t e = 0; e < b.size(); ++e)
-                if (b.block->group(e) == group)
-                    write_element(b, e, [&](const point* p, const unsigned int* n) { text_facet(p, n); });
-        to_.text("endsolid" + title);
+        return title;
     }
 
     // The lines of all corners, made once: every node is written by some six facets.

@@ -233,6 +233,7 @@ TEST(Numbers, AreThoseOfTheCRuntime)
     EXPECT_EQ(x_of("-.5"), -0.5);
     EXPECT_EQ(x_of("1e400"), HUGE_VAL);
     EXPECT_EQ(x_of("-1e400"), -HUGE_VAL);
+    EXPECT_EQ(x_of("0.1e400"), HUGE_VAL);
     EXPECT_EQ(x_of("1e-400"), 0.0);
     EXPECT_EQ(x_of("4.9e-324"), 4.9e-324);
     EXPECT_EQ(x_of("1.5D-3"), 1.5e-3);
