@@ -1,6 +1,9 @@
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -67,6 +70,23 @@ TEST(FileBeside, TakesItsPlaceOnlyWhenItIsCommitted)
     file.commit();
     EXPECT_EQ(test::read_file(folder.path("a")), "whole");
     EXPECT_FALSE(exists(file.name() + "x"));
+}
+
+TEST(FileBeside, IsRemovedByASignal)
+{
+    const test::temporary_folder folder;
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGTERM, SIG_DFL);
+        const file_beside file(folder.path("a"));
+        if (exists(file.name())) raise(SIGTERM);
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path("")));
 }
 
 TEST(FileBeside, FollowsALinkAndKeepsTheRights)
