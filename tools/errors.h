@@ -5,8 +5,18 @@
 
 namespace tool {
 
-// An input that cannot be read or is no STL; the text is the reason, without the name of the file.
+// An input that cannot be read; the text is the reason, with the line or byte, without the name of the file.
 struct unreadable : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+// An output that cannot be written; the text is the reason, without the name of the file.
+struct unwritable : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+// A command line that asks for what does not go together.
+struct wrong_usage : std::runtime_error {
     using runtime_error::runtime_error;
 };
 

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "errors.h"
 
@@ -42,13 +43,18 @@ input_file::input_file(const std::string& path)
     }
 }
 
+input_file::input_file(in_memory content) : bytes_(std::move(content.bytes)), size_(bytes_.size()) {}
+
 input_file::~input_file()
 {
-    close(descriptor_);
+    if (descriptor_ >= 0) close(descriptor_);
 }
 
 std::size_t input_file::read_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
 {
+    if (descriptor_ < 0)
+        return offset < size_ ? bytes_.copy(reinterpret_cast<char*>(bytes), count, static_cast<std::size_t>(offset))
+                              : 0;
     std::size_t done = 0;
     while (done < count) {
         const ssize_t got = pread(descriptor_, bytes + done, count - done, static_cast<off_t>(offset + done));
@@ -66,8 +72,8 @@ bool input_file::is_same_file(const std::string& path) const
 {
     struct stat mine {};
     struct stat other {};
-    return fstat(descriptor_, &mine) == 0 && stat(path.c_str(), &other) == 0 && mine.st_dev == other.st_dev &&
-           mine.st_ino == other.st_ino;
+    return descriptor_ >= 0 && fstat(descriptor_, &mine) == 0 && stat(path.c_str(), &other) == 0 &&
+           mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
 }
 
 }  // namespace tool

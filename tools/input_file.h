@@ -7,10 +7,16 @@
 
 namespace tool {
 
-// A regular file open for reading. Every failure is an `unreadable` with the reason in words.
+// A regular file open for reading, or bytes that take its place. Every failure is an `unreadable` with the reason in
+// words.
 class input_file {
 public:
+    struct in_memory {
+        std::string bytes;
+    };
+
     explicit input_file(const std::string& path);
+    explicit input_file(in_memory content);
     ~input_file();
     input_file(const input_file&) = delete;
     input_file& operator=(const input_file&) = delete;
@@ -24,7 +30,8 @@ public:
     bool is_same_file(const std::string& path) const;
 
 private:
-    int descriptor_ = -1;
+    int descriptor_ = -1;  // -1 for bytes in memory
+    std::string bytes_;
     std::uint64_t size_ = 0;
 };
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tool {
@@ -11,6 +12,20 @@ namespace tool {
 inline std::string counted(std::uint64_t count, const std::string& one, const std::string& many)
 {
     return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
+inline std::string quoted(std::string_view text)
+{
+    std::string result(1, '\'');
+    result.append(text);
+    result += '\'';
+    return result;
+}
+
+inline void append_word(std::string& text, std::string_view word)
+{
+    if (!text.empty()) text += ' ';
+    text.append(word);
 }
 
 inline std::string joined(const std::vector<std::string>& parts)

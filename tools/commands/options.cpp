@@ -1,0 +1,64 @@
+#include "commands/options.h"
+
+#include "formats/format.h"
+
+namespace tool {
+namespace {
+
+std::string names_of_formats()
+{
+    std::string names;
+    for (const format& f : all_formats()) names += (names.empty() ? "" : " ") + std::string(f.name);
+    return names;
+}
+
+}  // namespace
+
+void declare_file(CLI::App& app, shared_options& options)
+{
+    app.add_option("FILE", options.files, "the mesh; - is standard input")->required()->expected(1);
+    app.add_option("--sol", options.solution, "a MEDIT solution with values for the mesh");
+}
+
+void declare_files(CLI::App& app, shared_options& options)
+{
+    app.add_option("FILE", options.files, "the meshes; - is standard input")->required();
+    app.add_flag("--skip-unreadable", options.skip_unreadable,
+                 "go on after a file that cannot be read, with status 0 for it");
+}
+
+CLI::Option* declare_output(CLI::App& app, shared_options& options)
+{
+    options.writes_mesh = true;
+    CLI::Option* output = app.add_option("--output", options.output, "the file to write; - is standard output");
+    app.add_option("--format", options.format, "format of the output: " + names_of_formats());
+    app.add_option("--input-format", options.input_format, "read the inputs as this format, whatever they look like");
+    app.add_option("--writer", options.writer, "complete, or library for the library's own output")
+        ->check(CLI::IsMember({"complete", "library"}));
+    app.add_flag("--ascii", options.ascii, "text where a format has both");
+    app.add_flag("--lossy", options.lossy, "leave out, and tell, what the format cannot hold");
+    app.add_flag("--force", options.force, "an input may be overwritten");
+    return output;
+}
+
+void declare_input_format(CLI::App& app, shared_options& options)
+{
+    app.add_option("--format", options.format, "read as this format: " + names_of_formats());
+}
+
+void declare_json(CLI::App& app, shared_options& options)
+{
+    app.add_flag("--json", options.json, "one JSON object per file, a line each, and nothing else");
+}
+
+void declare_quiet(CLI::App& app, shared_options& options)
+{
+    app.add_flag("--quiet", options.quiet, "only what is wrong");
+}
+
+void declare_tolerance(CLI::App& app, shared_options& options, const std::string& description)
+{
+    app.add_option("--tolerance", options.tolerance, description);
+}
+
+}  // namespace tool
