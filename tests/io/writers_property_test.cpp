@@ -190,10 +190,12 @@ TEST_P(RandomMesh, IsConvertedToTheStreamsOfTheModel)
     }
 }
 
-TEST_P(RandomMesh, IsWrittenAsTheModelOfMeditWritesIt)
+// Random meshes through all forms of a writer of whole meshes.
+template <class Write, class Model>
+void expect_files_of_the_model(unsigned seed, Write write, Model model)
 {
-    mesh_source source(GetParam());
-    for (int round = 0; round < cases_per_seed && !HasFailure(); ++round) {
+    mesh_source source(seed);
+    for (int round = 0; round < cases_per_seed && !testing::Test::HasFailure(); ++round) {
         const bool faults = source.one_in(3);
         model_points pos = source.points(faults);
         if (source.one_in(5)) {
@@ -203,22 +205,34 @@ TEST_P(RandomMesh, IsWrittenAsTheModelOfMeditWritesIt)
         const model_mesh mesh = source.mesh(source.one_in(4) ? 0xFFFFFFFF : 200, faults);
         const dense2D<double> matrix = as_matrix(pos.rows, pos.cols, source.one_in(2));
         const host_mesh host = as_mesh(mesh, source);
-        const model_file expected = model_medit_output(pos, mesh);
+        const model_file expected = model(pos, mesh);
         SCOPED_TRACE(testing::Message() << "round " << round);
 
         const temporary_file file;
-        expect_left_behind(file, medit_output(file.name(), matrix, host.first(), host.last(), host.types), expected);
+        expect_left_behind(file, write(file.name(), matrix, host.first(), host.last(), host.types), expected);
         const temporary_file short_form;
         if (mesh.size() == 1)
-            expect_left_behind(short_form,
-                               medit_output(short_form.name(), matrix, host.matrices[0], element_type(host.types[0])),
-                               expected);
+            expect_left_behind(
+                short_form, write(short_form.name(), matrix, host.matrices[0], element_type(host.types[0])), expected);
         if (mesh.size() == 2)
             expect_left_behind(short_form,
-                               medit_output(short_form.name(), matrix, host.matrices[0], host.matrices[1],
-                                            element_type(host.types[0]), element_type(host.types[1])),
+                               write(short_form.name(), matrix, host.matrices[0], host.matrices[1],
+                                     element_type(host.types[0]), element_type(host.types[1])),
                                expected);
     }
+}
+
+TEST_P(RandomMesh, IsWrittenAsTheModelOfMeditWritesIt)
+{
+    expect_files_of_the_model(
+        GetParam(), [](const auto&... arguments) { return medit_output(arguments...); },
+        [](const model_points& pos, const model_mesh& mesh) { return model_medit_output(pos, mesh); });
+}
+
+TEST_P(RandomMesh, IsWrittenAsTheModelOfEnsightWritesIt)
+{
+    expect_files_of_the_model(
+        GetParam(), [](const auto&... arguments) { return ensight_output(arguments...); }, model_ensight_output);
 }
 
 TEST_P(RandomMesh, IsWrittenByReferenceAsTheModelWritesIt)
@@ -239,37 +253,6 @@ TEST_P(RandomMesh, IsWrittenByReferenceAsTheModelWritesIt)
         const int code = medit_output(file.name(), as_matrix(pos.rows, pos.cols, source.one_in(2)), host.matrices[0],
                                       element_type(host.types[0]), indices(refs));
         expect_left_behind(file, code, model_medit_output(pos, mesh[0], refs));
-    }
-}
-
-TEST_P(RandomMesh, IsWrittenAsTheModelOfEnsightWritesIt)
-{
-    mesh_source source(GetParam());
-    for (int round = 0; round < cases_per_seed && !HasFailure(); ++round) {
-        const bool faults = source.one_in(3);
-        model_points pos = source.points(faults);
-        if (source.one_in(5)) {
-            pos.rows = std::min<std::uint64_t>(pos.rows, 1);
-            for (auto& x : pos.cols) x.resize(pos.rows);
-        }
-        const model_mesh mesh = source.mesh(source.one_in(4) ? 0xFFFFFFFF : 200, faults);
-        const dense2D<double> matrix = as_matrix(pos.rows, pos.cols, source.one_in(2));
-        const host_mesh host = as_mesh(mesh, source);
-        const model_file expected = model_ensight_output(pos, mesh);
-        SCOPED_TRACE(testing::Message() << "round " << round);
-
-        const temporary_file file;
-        expect_left_behind(file, ensight_output(file.name(), matrix, host.first(), host.last(), host.types), expected);
-        const temporary_file short_form;
-        if (mesh.size() == 1)
-            expect_left_behind(short_form,
-                               ensight_output(short_form.name(), matrix, host.matrices[0], element_type(host.types[0])),
-                               expected);
-        if (mesh.size() == 2)
-            expect_left_behind(short_form,
-                               ensight_output(short_form.name(), matrix, host.matrices[0], host.matrices[1],
-                                              element_type(host.types[0]), element_type(host.types[1])),
-                               expected);
     }
 }
 

@@ -4,14 +4,15 @@
 
 #include <numeric>
 
+#include "spatial/built_tree.h"
 #include "spatial/spread_nodes.h"
-#include "spatial/tree_builder.h"
-#include "spatial/tree_model.h"
 
 // What the grid answers is what the walk answers, and it answers nearly always where nodes are spread evenly.
 
 namespace {
 
+using test::as_position;
+using test::built_tree;
 using test::spread;
 using zeb::dense1D;
 using zeb::dense2D;
@@ -19,24 +20,22 @@ using zeb::NONE_INDEX;
 using zeb::tessolv::box;
 using zeb::tessolv::cell_grid;
 using zeb::tessolv::point;
-using zeb::tessolv::position_of;
-using zeb::tessolv::scratch;
-using zeb::tessolv::tree_builder;
-using zeb::tessolv::tree_record;
+
+std::vector<unsigned> all_columns(const dense2D<double>& pos)
+{
+    std::vector<unsigned> nodes(pos.cols);
+    std::iota(nodes.begin(), nodes.end(), 0u);
+    return nodes;
+}
 
 template <int D>
-class gridded_tree {
+class gridded_tree : built_tree<D> {
+    using built_tree<D>::records_;
+    using built_tree<D>::walked_;
+
 public:
-    explicit gridded_tree(const dense2D<double>& pos) : pos_(pos), walked_(pos)
+    explicit gridded_tree(const dense2D<double>& pos) : built_tree<D>(pos, all_columns(pos))
     {
-        std::vector<unsigned> nodes(pos.cols);
-        std::iota(nodes.begin(), nodes.end(), 0u);
-        walked_.insert(nodes);
-        EXPECT_TRUE(records_.allocate(nodes.size()));
-        std::size_t k = 0;
-        for (const unsigned node : model::shuffled(nodes)) records_[k++] = {position_of<D>(pos, node), node, 0, 0, 0};
-        tree_builder<D> builder;
-        EXPECT_TRUE(builder.run(records_));
         EXPECT_TRUE(grid_.build(records_));
     }
 
@@ -50,10 +49,10 @@ public:
         ++asked_;
         if (!has_grid() || !grid_.find_closest(records_, P, excluded, closest)) return;
         ++answered_;
-        ASSERT_EQ(closest, walked_.find_closest({P.begin(), P.end()}, excluded)) << testing::PrintToString(P);
+        ASSERT_EQ(closest, walked_.find_closest(as_position<D>(P), excluded)) << testing::PrintToString(P);
     }
 
-    void expect_same_closest(unsigned node) { expect_same_closest(position_of<D>(pos_, node), node); }
+    void expect_same_closest(unsigned node) { expect_same_closest(this->position_of(node), node); }
 
     void expect_same_hits(const box<D>& b)
     {
@@ -62,14 +61,11 @@ public:
         if (!has_grid() || !grid_.find_in_box(records_, b, hits)) return;
         ++answered_;
         std::vector<unsigned> expected;
-        walked_.find_in_box({b.lower.begin(), b.lower.end()}, {b.upper.begin(), b.upper.end()}, expected);
+        walked_.find_in_box(as_position<D>(b.lower), as_position<D>(b.upper), expected);
         ASSERT_EQ(std::vector<unsigned>(hits.begin(), hits.end()), expected);
     }
 
 private:
-    const dense2D<double>& pos_;
-    model::tree walked_;
-    scratch<tree_record<D>> records_;
     cell_grid<D> grid_;
     unsigned asked_ = 0;
     unsigned answered_ = 0;

@@ -4,15 +4,16 @@
 
 #include <numeric>
 
+#include "spatial/built_tree.h"
 #include "spatial/random_points.h"
-#include "spatial/tree_builder.h"
-#include "spatial/tree_model.h"
 #include "support/matrices.h"
 
 // The answers from the ranking of the records against those of the walk.
 
 namespace {
 
+using test::as_position;
+using test::built_tree;
 using zeb::dense1D;
 using zeb::dense2D;
 using zeb::NONE_INDEX;
@@ -20,27 +21,15 @@ using zeb::tessolv::box;
 using zeb::tessolv::deep_index;
 using zeb::tessolv::point;
 using zeb::tessolv::position_of;
-using zeb::tessolv::scratch;
-using zeb::tessolv::tree_builder;
-using zeb::tessolv::tree_record;
 
 template <int D>
-model::position as_position(const point<D>& x)
-{
-    return {x.begin(), x.end()};
-}
+class indexed_tree : built_tree<D> {
+    using built_tree<D>::records_;
+    using built_tree<D>::walked_;
 
-template <int D>
-class indexed_tree {
 public:
-    indexed_tree(const dense2D<double>& pos, const std::vector<unsigned>& nodes) : pos_(pos), walked_(pos)
+    indexed_tree(const dense2D<double>& pos, const std::vector<unsigned>& nodes) : built_tree<D>(pos, nodes)
     {
-        walked_.insert(nodes);
-        EXPECT_TRUE(records_.allocate(nodes.size()));
-        std::size_t k = 0;
-        for (const unsigned node : model::shuffled(nodes)) records_[k++] = {position_of<D>(pos, node), node, 0, 0, 0};
-        tree_builder<D> builder;
-        EXPECT_TRUE(builder.run(records_));
         EXPECT_TRUE(index_.build(records_));
         EXPECT_EQ(index_.size(), nodes.size());
     }
@@ -53,8 +42,7 @@ public:
 
     void expect_same_closest(unsigned node) const
     {
-        ASSERT_EQ(index_.find_closest(records_, position_of<D>(pos_, node), node), walked_.find_closest_to(node))
-            << node;
+        ASSERT_EQ(index_.find_closest(records_, this->position_of(node), node), walked_.find_closest_to(node)) << node;
     }
 
     void expect_same_hits(const box<D>& b) const
@@ -69,9 +57,6 @@ public:
     }
 
 private:
-    const dense2D<double>& pos_;
-    model::tree walked_;
-    scratch<tree_record<D>> records_;
     deep_index<D> index_;
 };
 

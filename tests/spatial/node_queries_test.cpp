@@ -4,40 +4,16 @@
 #include <limits>
 #include <utility>
 
-#include "support/matrices.h"
+#include "spatial/detector_samples.h"
 
 namespace {
 
 using namespace zeb::tessolv;
-using test::columns;
-using test::indices;
-using test::N;
-using test::points;
+using namespace test;
 using zeb::dense1D;
 using zeb::dense2D;
 
-using point2 = zeb::vector_fixed<double, 2>;
-using point3 = zeb::vector_fixed<double, 3>;
-
-constexpr unsigned long none = 4294967295ul;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-const dense2D<double> square = points({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-const dense2D<double> corner = points({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
-
-template <class Point>
-dense1D<unsigned> in_box(const node_detector& detector, const Point& a, const Point& b)
-{
-    dense1D<unsigned> nodes;
-    detector.find_in_box(a, b, nodes);
-    return nodes;
-}
-
-dense1D<unsigned> sorted(dense1D<unsigned> nodes)
-{
-    std::sort(nodes.begin(), nodes.end());
-    return nodes;
-}
 
 // -- find_closest
 
