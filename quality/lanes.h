@@ -5,12 +5,26 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace zeb::tessolv::quality {
+// How many numbers go side by side. Whatever depends on it lives in a namespace of its own, TESSOLV_LANES, so that one
+// library can hold both: two, and four in the sources that are compiled for processors with AVX2.
+#ifdef TESSOLV_FOUR_LANES
+#define TESSOLV_LANES four_lanes
+#else
+#define TESSOLV_LANES two_lanes
+#endif
 
-// Two numbers that go through a formula side by side, one element each: roots and divisions, which are most of the cost
-// of a shape measure, come at the price of one. Each lane is computed as a double of its own would be, to the bit. Two
-// is what every 64-bit processor of the usual families has without asking; more lanes do not make roots cheaper.
+namespace zeb::tessolv::quality {
+inline namespace TESSOLV_LANES {
+
+// Numbers that go through a formula side by side, one element each: roots and divisions, which are most of the cost of
+// a shape measure, come at the price of one. Each lane is computed as a double of its own would be, to the bit. Two is
+// what every 64-bit processor of the usual families has without asking; four do not make roots cheaper, only what
+// stands between them.
+#ifdef TESSOLV_FOUR_LANES
+constexpr std::size_t lane_count = 4;
+#else
 constexpr std::size_t lane_count = 2;
+#endif
 using lanes = double __attribute__((vector_size(lane_count * sizeof(double))));
 using lane_mask = std::int64_t __attribute__((vector_size(lane_count * sizeof(double))));
 
@@ -73,6 +87,7 @@ inline lanes within_unit_range(lanes a)
     return larger(at_most(a, 1.0), both(-1.0));
 }
 
+}  // namespace TESSOLV_LANES
 }  // namespace zeb::tessolv::quality
 
 #endif

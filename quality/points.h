@@ -8,6 +8,7 @@
 
 // Points and vectors of the plane and of space. Sums run over x, y, z in this order.
 namespace zeb::tessolv::quality {
+inline namespace TESSOLV_LANES {
 
 template <std::size_t D>
 using point = std::array<lanes, D>;
@@ -57,6 +58,7 @@ point<3> mean(const corners<3, N>& p)
     return sum;
 }
 
+}  // namespace TESSOLV_LANES
 }  // namespace zeb::tessolv::quality
 
 #endif

@@ -12,6 +12,7 @@
 // negative for an inverted one. The order of every operation and the digits of every constant are part of the
 // interface: hosts compare the values bit by bit from version to version. Comparisons say which way a NaN goes.
 namespace zeb::tessolv::quality {
+inline namespace TESSOLV_LANES {
 
 // 2 sqrt(3): an equilateral triangle scores 1.
 constexpr double triangle_scale = 3.4641016151377544;
@@ -372,6 +373,7 @@ inline lanes hexahedron(const corners<3, 8>& p)
     return smaller(hexahedron_corners(p), hexahedron_faces(p));
 }
 
+}  // namespace TESSOLV_LANES
 }  // namespace zeb::tessolv::quality
 
 #endif

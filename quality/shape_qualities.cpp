@@ -3,7 +3,9 @@
 #include "core/columns.h"
 #include "core/mesh_range.h"
 #include "core/return_codes.h"
+#include "quality/score.h"
 #include "quality/shape_measures.h"
+#include "quality/wide_scores.h"
 
 namespace zeb::tessolv {
 namespace {
@@ -29,56 +31,6 @@ int check(const dense2D<double>& pos, const dense2D<unsigned int>& connect, int 
     const element_type kind = measure_of(type);
     if (kind == EL_NONE) return bad_argument(3);
     return check_IDs(connect, kind, as_bound(pos.cols)) ? success : bad_argument(2);
-}
-
-// The nodes of a coordinate matrix; rows that it does not have are 0.
-struct node_positions {
-    const double* first;
-    std::uint64_t ld;
-    std::uint64_t rows;
-
-    explicit node_positions(const dense2D<double>& pos)
-        : first(pos.empty() ? nullptr : column(pos, 0)), ld(pos.empty() ? 0 : pos.ld), rows(pos.rows)
-    {
-    }
-
-    double coordinate(std::size_t i, unsigned int node) const { return i < rows ? first[ld * node + i] : 0.0; }
-    void prefetch(unsigned int node) const { __builtin_prefetch(first + ld * node); }
-};
-
-template <std::size_t D, std::size_t N>
-corners<D, N> corners_of(const node_positions& pos, const unsigned int* nodes_a, const unsigned int* nodes_b)
-{
-    corners<D, N> p;
-    for (std::size_t k = 0; k < N; ++k)
-        for (std::size_t i = 0; i < D; ++i)
-            p[k][i] = lanes{pos.coordinate(i, nodes_a[k]), pos.coordinate(i, nodes_b[k])};
-    return p;
-}
-
-// How many elements ahead coordinates are asked for: numberings are often random, and waiting for the memory would take
-// longer than most measures.
-constexpr std::uint64_t lookahead = 16;
-
-template <std::size_t D, std::size_t N>
-using shape_measure = lanes (*)(const corners<D, N>&);
-
-// Scores the elements [first, last) of one shape, two at a time; both lanes hold the same element when one is left
-// over.
-template <std::size_t D, std::size_t N>
-void score(const node_positions& pos, const dense2D<unsigned int>& connect, std::uint64_t first, std::uint64_t last,
-           double* qualities, shape_measure<D, N> measure)
-{
-    static_assert(lane_count == 2);
-    for (std::uint64_t e = first; e < last; e += 2) {
-        const bool alone = e + 1 == last;
-        const lanes values = measure(corners_of<D, N>(pos, column(connect, e), column(connect, alone ? e : e + 1)));
-        qualities[e] = values[0];
-        if (!alone) qualities[e + 1] = values[1];
-
-        for (std::uint64_t soon = e + lookahead; soon < std::min(e + lookahead + 2, last); ++soon)
-            for (std::size_t k = 0; k < N; ++k) pos.prefetch(column(connect, soon)[k]);
-    }
 }
 
 // Scores triangles and quadrangles in one matrix, run by run of equal shape.
@@ -109,6 +61,16 @@ void score_surface(const node_positions& pos, const dense2D<unsigned int>& conne
         score_faces<D>(pos, connect, qualities);
 }
 
+template <std::size_t N>
+void score_solids(const dense2D<double>& pos, const dense2D<unsigned int>& connect, double* qualities,
+                  shape_measure<3, N> measure, wide_score* four_at_a_time)
+{
+    if (has_wide_lanes())
+        four_at_a_time(pos, connect, qualities);
+    else
+        score(node_positions(pos), connect, 0, connect.cols, qualities, measure);
+}
+
 // Scores a matrix that is not empty and has passed the check; writes one value per column.
 void score_matrix(const dense2D<double>& coordinates, const dense2D<unsigned int>& connect, int type, double* qualities)
 {
@@ -119,16 +81,16 @@ void score_matrix(const dense2D<double>& coordinates, const dense2D<unsigned int
             std::fill_n(qualities, n, 1.0);
             break;
         case EL_TETRA4:
-            score(pos, connect, 0, n, qualities, tetrahedron);
+            score_solids(coordinates, connect, qualities, tetrahedron, score_tetrahedra_four_at_a_time);
             break;
         case EL_PYRAMID5:
             score(pos, connect, 0, n, qualities, pyramid);
             break;
         case EL_WEDGE6:
-            score(pos, connect, 0, n, qualities, wedge);
+            score_solids(coordinates, connect, qualities, wedge, score_wedges_four_at_a_time);
             break;
         case EL_HEXA8:
-            score(pos, connect, 0, n, qualities, hexahedron);
+            score_solids(coordinates, connect, qualities, hexahedron, score_hexahedra_four_at_a_time);
             break;
         default:  // surface elements have a measure in the plane and one in space
             if (pos.rows == 2)

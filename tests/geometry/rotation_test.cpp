@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <random>
+
+#include <tessolv/geometry.h>
 
 using namespace zeb;
 using namespace zeb::tessolv;
@@ -54,6 +59,43 @@ TEST(RotationMatrix, IsOrthogonalAndKeepsItsAxis)
                 along += R(i, j) * r[j];
             }
             ASSERT_NEAR(along, r[i], 1e-14);
+        }
+    }
+}
+
+// Column by column of the matrix, beginning with 0 and leaving out what lies at the centre.
+vector_fixed<double, 3> turned_about(const vector_fixed<double, 3>& c, const matrix_fixed<double, 3, 3>& R,
+                                     const double* p)
+{
+    vector_fixed<double, 3> turned;
+    for (unsigned j = 0; j < 3; ++j)
+        for (unsigned k = 0; k < 3; ++k)
+            if (p[j] - c[j] != 0.0) turned[k] += R(k, j) * (p[j] - c[j]);
+    return {c[0] + turned[0], c[1] + turned[1], c[2] + turned[2]};
+}
+
+TEST(Rotate, GivesTheSumsInTheirOrderToTheBitWhateverTheSignsOfZeros)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double values[] = {0.0, -0.0, 1.0, -0.7, 5e-324, -5e-324, 1e300, -infinity};
+    constexpr double angles[] = {0.0, -0.0, 0.1, -0.15, 1.5707963267948966, -3.0, infinity};
+    std::mt19937 random(4);
+    const auto any_of = [&](const auto& list) { return list[random() % std::size(list)]; };
+    for (int trial = 0; trial < 200000; ++trial) {
+        const vector_fixed<double, 3> c(any_of(values), any_of(values), any_of(values));
+        const vector_fixed<double, 3> r(any_of(angles), any_of(angles), any_of(angles));
+        if (r == vector_fixed<double, 3>()) continue;
+        dense2D<double> pos(3, 1);
+        for (unsigned i = 0; i < 3; ++i) pos(i, 0) = any_of(values);
+        const auto expected = turned_about(c, rotation_matrix(r), &pos(0, 0));
+        ASSERT_EQ(rotate(pos, c, r), 1);
+        for (unsigned i = 0; i < 3; ++i) {
+            if (std::isnan(expected[i])) {
+                ASSERT_TRUE(std::isnan(pos(i, 0))) << "trial " << trial;
+            } else {
+                ASSERT_EQ(std::bit_cast<std::uint64_t>(pos(i, 0)), std::bit_cast<std::uint64_t>(expected[i]))
+                    << "trial " << trial;
+            }
         }
     }
 }
