@@ -15,7 +15,7 @@ wide_score score_hexahedra_four_at_a_time;
 
 inline bool has_wide_lanes()
 {
-#ifdef __x86_64__
+#if defined(__x86_64__) && !defined(TESSOLV_BASELINE_ONLY)
     return __builtin_cpu_supports("avx2") != 0;
 #else
     return false;
