@@ -131,10 +131,9 @@ eigen_system<3> axes_of_diagonal(const symmetric_fixed<double, 3>& M)
 
 // The eigenvalues are the Rayleigh quotients of the directions. False where the residuals are too long for them to be
 // exact to 1e-14 of the greatest: then magnitudes left the range of the formulas. A NaN is too long.
-bool solve_directly(const symmetric_fixed<double, 3>& M, eigen_system<3>& system)
+bool solve_directly(const symmetric_fixed<double, 3>& M, vec3& values, vec3 (&w)[3])
 {
     constexpr double certain = 2e-15;
-    vec3 w[3];
     find_directions(M, w);
     double residuals = 0.0, magnitude = 0.0;  // sums of squares
     for (std::size_t k = 0; k < 3; ++k) {
@@ -143,10 +142,8 @@ bool solve_directly(const symmetric_fixed<double, 3>& M, eigen_system<3>& system
         const vec3 residual = combined(1.0, image, -value, w[k]);
         residuals += dot(residual, residual);
         magnitude += value * value;
-        system.values[k] = value;
-        std::copy_n(w[k].begin(), 3, system.vectors.data() + 3 * k);
+        values[k] = value;
     }
-    sort_ascending(system);
     return residuals <= certain * certain * magnitude && magnitude > 1e-200 && magnitude < 1e200;
 }
 
@@ -202,12 +199,32 @@ eigen_system<3> eigen_decomposition(const symmetric_fixed<double, 3>& M)
 {
     if (is_diagonal(M)) return axes_of_diagonal(M);
     eigen_system<3> system;
-    if (solve_directly(M, system)) return system;
+    vec3 w[3];
+    if (solve_directly(M, system.values, w)) {
+        for (std::size_t k = 0; k < 3; ++k) std::copy_n(w[k].begin(), 3, system.vectors.data() + 3 * k);
+        sort_ascending(system);
+        return system;
+    }
     symmetric_fixed<double, 3> destroyed = M;
     double work[9];
     long info = 0;
     lapack::dspev('V', 'U', 3, destroyed.data(), system.values.data(), system.vectors.data(), 3, work, info);
     return system;
+}
+
+vector_fixed<double, 3> decomposed_eigenvalues(const symmetric_fixed<double, 3>& M)
+{
+    vec3 values, w[3];
+    if (is_diagonal(M) || !solve_directly(M, values, w)) return eigen_decomposition(M).values;
+    const auto order = [&values](std::size_t i, std::size_t j) {
+        const double lower = std::min(values[i], values[j]), upper = std::max(values[j], values[i]);
+        values[i] = lower;
+        values[j] = upper;
+    };
+    order(0, 1);
+    order(1, 2);
+    order(0, 1);
+    return values;
 }
 
 }  // namespace zeb::tessolv

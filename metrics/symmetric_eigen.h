@@ -23,6 +23,9 @@ vector_fixed<double, 3> eigenvalues(const symmetric_fixed<double, 3>& M);
 eigen_system<2> eigen_decomposition(const symmetric_fixed<double, 2>& M);
 eigen_system<3> eigen_decomposition(const symmetric_fixed<double, 3>& M);
 
+// The very values of the decomposition, without the vectors and without a branch to sort them.
+vector_fixed<double, 3> decomposed_eigenvalues(const symmetric_fixed<double, 3>& M);
+
 template <std::size_t N>
 bool is_finite(const symmetric_fixed<double, N>& M)
 {

@@ -109,7 +109,7 @@ void eigen_pairs(const symmetric_fixed<double, 2>& M, vector_fixed<double, 2>& v
 
 void eigen_pairs(const symmetric_fixed<double, 3>& M, vector_fixed<double, 3>& values, matrix_fixed<double, 3, 3>)
 {
-    values = eigen_decomposition(M).values;
+    values = decomposed_eigenvalues(M);
 }
 
 bool is_valid_metric(const symmetric_fixed<double, 2>& M)

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cstdint>
 #include <limits>
+#include <random>
 
 #include "metrics/reference.h"
 
@@ -124,6 +127,22 @@ TEST(SymmetricEigen, In3DIsExactToTheSizeOfTheTensor)
             }
         }
         expect_orthonormal(found.vectors);
+    }
+}
+
+TEST(SymmetricEigen, ValuesAloneIn3DAreThoseOfTheDecompositionToTheBit)
+{
+    std::mt19937 random(5);
+    const auto entry = [&](unsigned kind) {
+        const double whole = static_cast<double>(random() % 5) - 2.0;
+        return kind == 0 ? whole : kind == 1 ? whole * 1e-120 : static_cast<double>(random()) * 1e-9 - 2.0;
+    };
+    for (int trial = 0; trial < 30000; ++trial) {
+        S3 M;
+        for (double& m : M) m = entry(trial % 3);
+        const auto values = decomposed_eigenvalues(M), expected = eigen_decomposition(M).values;
+        for (unsigned k = 0; k < 3; ++k)
+            ASSERT_EQ(std::bit_cast<std::uint64_t>(values[k]), std::bit_cast<std::uint64_t>(expected[k])) << trial;
     }
 }
 
