@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -30,21 +31,12 @@ public:
         swap(taken);
         return *this;
     }
-    ~scratch() { __vector_num_free(reinterpret_cast<char*>(values_)); }
+    ~scratch() { __vector_num_free(block_); }
 
     // Room for n values, what was there is lost. False without memory.
     [[nodiscard]] bool allocate(std::size_t n)
     {
-        if (n > capacity_) {
-            __vector_num_free(reinterpret_cast<char*>(values_));
-            values_ = nullptr;
-            size_ = capacity_ = 0;
-            if (n > std::numeric_limits<std::size_t>::max() / sizeof(T)) return false;
-            values_ = reinterpret_cast<T*>(__vector_num_alloc(n * sizeof(T)));
-            if (values_ == nullptr) return false;
-            prefer_large_pages(values_, n * sizeof(T));
-            capacity_ = n;
-        }
+        if (n > capacity_ && !replace_block(n)) return false;
         size_ = n;
         return true;
     }
@@ -83,12 +75,31 @@ public:
 
     void swap(scratch& other) noexcept
     {
+        std::swap(block_, other.block_);
         std::swap(values_, other.values_);
         std::swap(size_, other.size_);
         std::swap(capacity_, other.capacity_);
     }
 
 private:
+    // A program may have its own allocation functions, whose blocks begin anywhere: the values begin where their type
+    // may stand.
+    bool replace_block(std::size_t n)
+    {
+        constexpr std::size_t slack = alignof(T) - 1;
+        __vector_num_free(block_);
+        block_ = nullptr;
+        values_ = nullptr;
+        size_ = capacity_ = 0;
+        if (n > (std::numeric_limits<std::size_t>::max() - slack) / sizeof(T)) return false;
+        block_ = __vector_num_alloc(n * sizeof(T) + slack);
+        if (block_ == nullptr) return false;
+        values_ = reinterpret_cast<T*>(block_ + (~reinterpret_cast<std::uintptr_t>(block_) + 1) % alignof(T));
+        prefer_large_pages(values_, n * sizeof(T));
+        capacity_ = n;
+        return true;
+    }
+
     bool grow(std::size_t capacity)
     {
         scratch larger;
@@ -99,6 +110,7 @@ private:
         return true;
     }
 
+    char* block_ = nullptr;
     T* values_ = nullptr;
     std::size_t size_ = 0;
     std::size_t capacity_ = 0;

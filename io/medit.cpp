@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string_view>
-#include <utility>
 
 #include <tessolv/io.h>
 
@@ -107,9 +107,10 @@ int write_mesh(const char* filename, const dense2D<double>& pos, const reference
     return finish(out, file);
 }
 
-// Columns whose reference is not NONE_INDEX, by reference and then by column: a counting sort with one counter per
-// reference from 0 to the largest. Only the counters of references that occur are ever touched, so that a large
-// reference costs address space and not memory. -6 when the counters are refused, -199 for other storage.
+// Columns whose reference is not NONE_INDEX, by reference and then by column. The table of one counter for each
+// reference from 0 to the largest is asked for in any case, since its refusal has a code of its own, but only used where
+// references lie dense: each entry of a sparse one would bring a page of memory in, of up to 2 MiB. -6 when the table is
+// refused, -199 for other storage.
 int order_by_reference(const dense1D<unsigned int>& references, scratch<std::uint64_t>& order)
 {
     std::uint64_t largest = 0;
@@ -121,22 +122,23 @@ int order_by_reference(const dense1D<unsigned int>& references, scratch<std::uin
     }
     scratch<std::uint64_t> counters;
     if (!counters.allocate(largest + 1)) return bad_argument(6);
-    scratch<unsigned int> found;
     if (!order.allocate(kept)) return out_of_memory;
 
     const auto for_each_kept = [&](auto visit) {
         for (std::uint64_t j = 0; j < references.size; ++j)
             if (references[j] != NONE_INDEX) visit(j, references[j]);
     };
-    for_each_kept([&](std::uint64_t, unsigned int r) { counters[r] = 0; });
-    bool complete = true;
-    for_each_kept([&](std::uint64_t, unsigned int r) {
-        if (counters[r]++ == 0) complete = complete && found.push_back(r);
-    });
-    if (!complete) return out_of_memory;
-    std::sort(found.begin(), found.end());
-    std::uint64_t next = 0;
-    for (const unsigned int r : found) next += std::exchange(counters[r], next);
+    if (largest / 16 > kept) {
+        std::uint64_t* next = order.begin();
+        for_each_kept([&](std::uint64_t j, unsigned int) { *next++ = j; });
+        std::sort(order.begin(), order.end(), [&references](std::uint64_t i, std::uint64_t j) {
+            return references[i] != references[j] ? references[i] < references[j] : i < j;
+        });
+        return success;
+    }
+    std::fill(counters.begin(), counters.end(), 0);
+    for_each_kept([&](std::uint64_t, unsigned int r) { ++counters[r]; });
+    std::exclusive_scan(counters.begin(), counters.end(), counters.begin(), std::uint64_t{0});
     for_each_kept([&](std::uint64_t j, unsigned int r) { order[counters[r]++] = j; });
     return success;
 }

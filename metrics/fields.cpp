@@ -50,11 +50,13 @@ void store_isotropic(double h, dense2D<float>& metrics, std::uint64_t j)
     metrics.rows == rows_2d ? store(symmetric_fixed<double, 2>()) : store(symmetric_fixed<double, 3>());
 }
 
-// The input as it was on entry, while `written` is written in place. False without memory.
+// The input as it was on entry while `written` is written in place: itself, or `copy` where the two share a buffer. Null
+// without memory. The reference counter of the input is not touched, so that calls in several threads may read one.
 template <class Container, class Written>
-bool keep(const Container& input, const Written& written, Container& kept)
+const Container* as_on_entry(const Container& input, const Written& written, Container& copy)
 {
-    return input.buffer == written.buffer ? kept.copy(input) : kept.shallow_copy(input);
+    if (input.buffer != written.buffer) return &input;
+    return copy.copy(input) ? &copy : nullptr;
 }
 
 bool are_bases_of(std::uint64_t nodes, const dense2D<double>& bases)
@@ -110,10 +112,11 @@ bool are_valid_metrics(const dense1D<unsigned int>& nodes, const dense2D<float>&
 
 int overwrite_invalid_metrics(dense1D<float>& sizes, const dense1D<float>& defaults)
 {
-    dense1D<float> kept;
-    if (!keep(defaults, sizes, kept)) return out_of_memory;
-    for (std::uint64_t i = 0; i < std::min(sizes.size, kept.size); ++i)
-        if (sizes[i] <= 0.0f && kept[i] > 0.0f) sizes[i] = kept[i];  // NaN stays: part of the interface
+    dense1D<float> copy;
+    const dense1D<float>* const given = as_on_entry(defaults, sizes, copy);
+    if (given == nullptr) return out_of_memory;
+    for (std::uint64_t i = 0; i < std::min(sizes.size, given->size); ++i)
+        if (sizes[i] <= 0.0f && (*given)[i] > 0.0f) sizes[i] = (*given)[i];  // NaN stays: part of the interface
     return success;
 }
 
@@ -121,10 +124,11 @@ int overwrite_invalid_metrics(dense2D<float>& metrics, const dense1D<float>& def
 {
     if (metrics.empty()) return success;
     if (!has_rows_of_metrics(metrics)) return bad_argument(1);
-    dense1D<float> kept;
-    if (!keep(default_sizes, metrics, kept)) return out_of_memory;
-    for (std::uint64_t j = 0; j < std::min(metrics.cols, kept.size); ++j)
-        if (!is_valid_column(metrics, j) && kept[j] > 0.0f) store_isotropic(kept[j], metrics, j);
+    dense1D<float> copy;
+    const dense1D<float>* const given = as_on_entry(default_sizes, metrics, copy);
+    if (given == nullptr) return out_of_memory;
+    for (std::uint64_t j = 0; j < std::min(metrics.cols, given->size); ++j)
+        if (!is_valid_column(metrics, j) && (*given)[j] > 0.0f) store_isotropic((*given)[j], metrics, j);
     return success;
 }
 
@@ -133,11 +137,12 @@ int overwrite_invalid_metrics(dense2D<float>& metrics, const dense2D<float>& def
     if (metrics.empty()) return success;
     if (!has_rows_of_metrics(metrics)) return bad_argument(1);
     if (default_metrics.rows != metrics.rows) return bad_argument(2);
-    dense2D<float> kept;
-    if (!keep(default_metrics, metrics, kept)) return out_of_memory;
-    for (std::uint64_t j = 0; j < std::min(metrics.cols, kept.cols); ++j)
-        if (!is_valid_column(metrics, j) && is_valid_column(kept, j))
-            std::copy_n(column(kept, j), metrics.rows, column(metrics, j));
+    dense2D<float> copy;
+    const dense2D<float>* const given = as_on_entry(default_metrics, metrics, copy);
+    if (given == nullptr) return out_of_memory;
+    for (std::uint64_t j = 0; j < std::min(metrics.cols, given->cols); ++j)
+        if (!is_valid_column(metrics, j) && is_valid_column(*given, j))
+            std::copy_n(column(*given, j), metrics.rows, column(metrics, j));
     return success;
 }
 

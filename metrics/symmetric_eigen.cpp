@@ -173,14 +173,18 @@ eigen_system<2> eigen_decomposition(const symmetric_fixed<double, 2>& M)
     const double a = M[0], b = M[1], c = M[2];
     const auto values = eigenvalues(M);
     double x = values[0] - c, y = b;
-    const double length = std::sqrt(x * x + y * y);
-    if (length >= least_length) {
-        x /= length;
-        y /= length;
-    } else {
+    if (std::sqrt(x * x + y * y) < least_length) {
         x = a > c ? 0.0 : 1.0;
         y = a > c ? 1.0 : 0.0;
+    } else if (a > c) {
+        // The same direction from the other row: here lower - c is what rounding left of nearly equal numbers, which of
+        // a diagonal tensor with entries of 1e4 can be enough to exchange the axes.
+        x = -std::abs(b);
+        y = std::copysign(a - values[0], b);
     }
+    const double length = std::sqrt(x * x + y * y);
+    x /= length;
+    y /= length;
     return {values, {x, y, -y, x}};
 }
 

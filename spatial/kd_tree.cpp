@@ -22,6 +22,7 @@ bool kd_tree<D>::copy(const kd_tree& other)
     if (!made.records_.allocate(other.records_.size())) return false;
     std::copy(other.records_.begin(), other.records_.end(), made.records_.begin());
     if (other.is_indexed() && !made.index_.build(made.records_)) return false;
+    if (other.has_grid() && !made.grid_.build(made.records_)) return false;
     made.deepest_ = other.deepest_;
     made.columns_used_ = other.columns_used_;
     made.is_ordered_ = other.is_ordered_;
@@ -69,7 +70,7 @@ bool kd_tree<D>::rebuild_with(const scratch<unsigned int>& nodes)
         *end++ = {position_of<D>(*pos_, node), node, NONE_INDEX, NONE_INDEX, NONE_INDEX};
     tree_builder<D> builder;
     if (!builder.run(records)) return false;
-    if (builder.deepest() > walkable_depth && !index_.build(records)) return false;
+    if (!(builder.deepest() > walkable_depth ? index_.build(records) : grid_.build(records))) return false;
     records_.swap(records);
     deepest_ = builder.deepest();
     for (const unsigned int node : nodes) columns_used_ = std::max(columns_used_, node + std::uint64_t{1});
@@ -105,6 +106,8 @@ unsigned int kd_tree<D>::find_closest(const point<D>& P, unsigned int excluded) 
 {
     if (records_.empty()) return NONE_INDEX;
     if (is_indexed()) return index_.find_closest(records_, P, excluded);
+    unsigned int node = NONE_INDEX;
+    if (has_grid() && grid_.find_closest(records_, P, excluded, node)) return node;
     candidate closest = descend(P, excluded);
     if (closest.node == NONE_INDEX || closest.distance != 0) search(P, excluded, closest);
     return closest.node;
@@ -169,6 +172,7 @@ template <int D>
 void kd_tree<D>::find_in_box(const box<D>& b, dense1D<unsigned int>& nodes) const
 {
     if (is_indexed()) return index_.find_in_box(records_, b, nodes);
+    if (has_grid() && grid_.find_in_box(records_, b, nodes)) return;
     for (unsigned int r = records_.empty() ? NONE_INDEX : 0, from = NONE_INDEX, d = 0; r != NONE_INDEX;) {
         const tree_record<D>& record = records_[r];
         const point<D>& x = position(r);

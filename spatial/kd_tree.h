@@ -5,6 +5,7 @@
 #include <zeb/dense2D.h>
 
 #include "core/scratch.h"
+#include "spatial/cell_grid.h"
 #include "spatial/deep_index.h"
 #include "spatial/point.h"
 #include "spatial/tree_record.h"
@@ -51,6 +52,7 @@ private:
     const point<D>& position(unsigned int r) const;
     bool has_shrunk() const { return columns_used_ > pos_->cols; }
     bool is_indexed() const { return !records_.empty() && index_.size() == records_.size() && !has_shrunk(); }
+    bool has_grid() const { return !records_.empty() && grid_.size() == records_.size() && !has_shrunk(); }
     bool pays_to_rebuild(std::uint64_t added) const;
     [[nodiscard]] bool link(unsigned int node);
     [[nodiscard]] bool rebuild_with(const scratch<unsigned int>& nodes);
@@ -62,6 +64,7 @@ private:
     unsigned int deepest_ = 0;         // depth of the deepest record
     std::uint64_t columns_used_ = 0;   // no record has a node from there on
     bool is_ordered_ = true;           // left and right of a record are as its coordinates say
+    cell_grid<D> grid_;                // in front of the walk, unless nodes were linked since
     deep_index<D> index_;              // of a tree that is too deep to be walked, unless nodes were linked since
 };
 

@@ -66,6 +66,14 @@ TESSOLV_API bool check_IDs(const dense2D<unsigned int>& ids, unsigned int n);
 
 /// Whether `connect` is a connectivity of its type: the rows are those of `type`, every node is below n, and NONE_INDEX
 /// stands only where a mixed kind may have it. True for an empty matrix of any type.
+/// <!-- preamble: two_tetrahedra -->
+/// @code
+/// // connect: the tetrahedra (0, 1, 2, 3) and (1, 2, 3, 4)
+/// check_IDs(connect, EL_TETRA4, 5);          // -> true
+/// check_IDs(connect, EL_TETRA4, 4);          // -> false
+/// check_IDs(connect, EL_QUAD4, NONE_INDEX);  // -> true
+/// check_IDs(connect, EL_TRIA3, NONE_INDEX);  // -> false
+/// @endcode
 /// @param connect  nodes x elements. Pure kinds: NODES_PER_ELEMENT rows, no NONE_INDEX. EL_FACE_MIX: 3 or 4 rows, a
 ///                 NONE_INDEX in row 3 makes a triangle. EL_SOLID_MIX: 4, 6 or 8 rows, a NONE_INDEX in row 4 makes a
 ///                 tetrahedron and in row 6 a wedge, whatever stands below it.

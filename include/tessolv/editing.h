@@ -16,6 +16,12 @@ namespace tessolv {
 
 /// Appends the distinct values of `in` to `out` in the order of their first appearance, without NONE_INDEX and without
 /// those of `exclude`.
+/// @code
+/// dense1D<unsigned> in, out;
+/// for (const unsigned node : {7u, 2u, 7u, NONE_INDEX, 5u}) in.push_back(node);
+/// unique_indices(out, in);  // -> 0
+/// out;                      // -> (7, 2, 5)
+/// @endcode
 /// @param in, exclude  index lists; NONE_INDEX and any other value may stand in both.
 /// @param[out] out     appended to. Values that it holds already are not looked at and can come twice. It may be `in`
 ///                     or `exclude`; where others look into its buffer, it moves to one of its own.
@@ -52,6 +58,14 @@ TESSOLV_API int count_unique_indices(const dense2D<unsigned int>& connect);
 /// @{
 
 /// Replaces every entry v of `ids` by new_IDs[v]. Entries that are no index of `new_IDs`, NONE_INDEX among them, stay.
+/// <!-- preamble: square -->
+/// @code
+/// // connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense1D<unsigned> new_IDs(5, 9u);
+/// new_IDs[0] = 6;
+/// change_indices(connect, new_IDs);
+/// connect;  // -> (6, 9, 9) (9, 9, 5)
+/// @endcode
 /// @param new_IDs      the new value of each index, NONE_INDEX allowed.
 /// @param[in,out] ids  written in place: views and sharers of the buffer see it. It may be `new_IDs` or share its
 ///                     buffer; the table is read as it was on entry, and without memory for its copy nothing happens.
@@ -88,6 +102,16 @@ TESSOLV_API int get_IDs(const dense1D<unsigned int>& ids1, const dense1D<unsigne
                         dense1D<unsigned int>& pos_in_1, dense1D<unsigned int>& pos_in_2);
 
 /// Finds the elements (columns) of each of two connectivities in the other.
+/// <!-- preamble: square -->
+/// @code
+/// // connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense2D<unsigned> turned(3, 1);
+/// turned(0, 0) = 5, turned(1, 0) = 4, turned(2, 0) = 3;
+/// dense1D<unsigned> pos_in_1, pos_in_2;
+/// get_IDs(connect, turned, pos_in_1, pos_in_2, false);  // -> 0
+/// pos_in_1;                                             // -> (1)
+/// pos_in_2;                                             // -> (NONE_INDEX, 0)
+/// @endcode
 /// @param connect1, connect2  of the same rows.
 /// @param[out] pos_in_1       one entry per column of `connect2`, replaced: the last column of `connect1` that matches,
 ///                            or NONE_INDEX.
@@ -107,6 +131,14 @@ TESSOLV_API int get_IDs(const dense2D<unsigned int>& connect1, const dense2D<uns
 
 /// Appends the columns cols[0], cols[1], ... of B to A; repetitions are copied again. Nothing happens for an empty
 /// `cols`, whatever A and B are.
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (1, 0), (0, 1)
+/// dense2D<double> all;
+/// append(all, pos);                            // -> 0
+/// append(all, pos, dense1D<unsigned>(2, 1u));  // -> 0
+/// all;                                         // -> (0, 0) (1, 0) (0, 1) (1, 0) (1, 0)
+/// @endcode
 /// @param B, cols    the source and the numbers of its columns.
 /// @param[in,out] A  when it is empty it takes the rows of B, and columns that it had without rows become columns of
 ///                   zeros. It grows in its buffer where it is the only one who looks into it, otherwise it moves to
@@ -141,6 +173,14 @@ TESSOLV_API int append(dense2D<unsigned int>& A, const dense2D<unsigned int>& B)
 
 /// Drops the nodes that no element of [first, last) uses and renumbers the others in the order of their first use (see
 /// unique_indices). When every node is used nothing is renumbered, whatever the order.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: (0, 0), (1, 0), (1, 1), (0, 0), (1, 1), (0, 1); connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense2D<unsigned> second = connect.sub_matrix(0, 1, 3, 1);
+/// simplify(pos, second);  // -> 3
+/// second;                 // -> (0, 1, 2)
+/// pos;                    // -> (0, 0) (1, 1) (0, 1)
+/// @endcode
 /// @param[in,out] pos          one column per node, any rows; gets a buffer of its own if nodes are dropped, of no
 ///                             column if no node is used at all.
 /// @param[in,out] first, last  renumbered in place: views and sharers of the buffers see it. The matrices may share

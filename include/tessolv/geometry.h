@@ -10,6 +10,12 @@ namespace zeb {
 namespace tessolv {
 
 /// Moves every node by t.
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (1, 0), (0, 1)
+/// translate(pos, vector_fixed<double, 3>(2, 0, 0.5));  // -> 3
+/// pos;                                                 // -> (2, 0, 0.5) (3, 0, 0.5) (2, 1, 0.5)
+/// @endcode
 /// @param[in,out] pos  made 3 x nodes first, also when nothing else is to be done and when it is empty: a third
 ///                     coordinate is 0, rows beyond the third go. A matrix that has 3 rows is written where it is,
 ///                     views and shared buffers see it; another one with further owners moves to a buffer of its own.
@@ -31,6 +37,13 @@ TESSOLV_API int translate(dense2D<double>& pos, const vector_fixed<double, 3>& t
 /// radians, counter-clockwise when looking against the axis (right-hand rule): P becomes C + (I + a K + b K^2)(P - C)
 /// with K v = rotation x v, a = sin t / t, b = (1 - cos t) / t^2 and t the angle (the formula of O. Rodrigues; series
 /// up to t = 0.2).
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (1, 0), (0, 1); a quarter of a turn about the z axis
+/// rotate(pos, vector_fixed<double, 3>(0, 0, 0), vector_fixed<double, 3>(0, 0, 1.5707963267948966));  // -> 3
+/// pos(1, 1);                                                                                         // -> 1
+/// pos(0, 2);                                                                                         // -> -1
+/// @endcode
 /// @param[in,out] pos  as in translate.
 /// @param centre       a point of the axis.
 /// @param rotation     direction of the axis, its length the angle in radians.
@@ -67,6 +80,15 @@ TESSOLV_API int zoom(dense2D<double>& pos, const vector_fixed<double, 3>& centre
 
 /// Enlarges the box [min, max] so that it holds every node. The box is never reset: start with min = +infinity and
 /// max = -infinity, or go on with an earlier box. A NaN coordinate leaves its direction as it was.
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (1, 0), (0, 1)
+/// const double infinity = std::numeric_limits<double>::infinity();
+/// vector_fixed<double, 2> min(infinity, infinity), max(-infinity, -infinity);
+/// inc_bounding_box(pos, min, max);  // -> 0
+/// min;                              // -> (0, 0)
+/// max;                              // -> (1, 1)
+/// @endcode
 /// @param pos              exactly 2 rows in the 2-D form, 3 in the 3-D form; without columns the box stays.
 /// @param[in,out] min,max  corners of the box, in the unit of `pos`; untouched on failure.
 /// @return 0; -1 rows of `pos`.
@@ -95,6 +117,13 @@ TESSOLV_API int inc_bounding_box(const dense2D<double>& pos, const dense2D<unsig
 
 /// Appends to `out` the elements that lie on the positive side of a plane with all their nodes: (P - C) . N > 0. A node
 /// on the plane is outside. Elements are kept or dropped whole, whatever their type, and keep their order.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: (0, 0), (1, 0), (1, 1), (0, 0), (1, 1), (0, 1); connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense2D<unsigned> out;
+/// clip(pos, connect, vector_fixed<double, 3>(-0.5, 0, 0), vector_fixed<double, 3>(1, -1, 0), out);  // -> 0
+/// out;                                                                                              // -> (0, 1, 2)
+/// @endcode
 /// @param pos      2 or 3 x nodes; what it does not have of (P - C) counts as 0, rows beyond the third are ignored.
 /// @param connect  nodes x elements of any type. NONE_INDEX entries are skipped: an element of nothing else is kept.
 /// @param C,N      a point of the plane and its normal, which need not have unit length.

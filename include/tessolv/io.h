@@ -42,6 +42,12 @@ TESSOLV_API int vtk_output(FILE* f, const dense2D<double>& pos, unsigned int cel
 
 /// Writes the mesh of [first, last) as a VTK legacy file, an ASCII unstructured grid. Matrices of a mixed kind are
 /// written shape by shape: triangles, quadrangles; tetrahedra, wedges, hexahedra. Cells are those of vtk_convert.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: 6 nodes; connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// vtk_output("square.vtk", pos, connect, EL_TRIA3);                 // -> 0
+/// vtk_output("no/such/folder/square.vtk", pos, connect, EL_TRIA3);  // -> -1
+/// @endcode
 /// @param filename  created before anything is checked: every failure but -1 leaves it empty.
 /// @param pos       2 or 3 x nodes; a missing z is written as 0.
 /// @param first     first of consecutive matrices, nodes x elements, each numbered over all of `pos`.
@@ -66,6 +72,12 @@ TESSOLV_API int vtk_output(const char* filename, const dense2D<double>& pos, con
 /// section for each element_type that occurs, in the order of its values, so a keyword may come more than once; lines,
 /// triangles, quadrangles, tetrahedra and hexahedra have one, all other elements are left out. Matrices of a mixed kind
 /// are split into their shapes. Vertices have the reference 0, elements the position of their matrix in the range.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: 6 nodes; connect: the triangles (0, 1, 2) and (3, 4, 5); the second form, then a reference for each triangle
+/// medit_output("square.mesh", pos, connect, EL_TRIA3);                            // -> 0
+/// medit_output("square.mesh", pos, connect, EL_TRIA3, dense1D<unsigned>(2, 7u));  // -> 0
+/// @endcode
 /// @param filename  not touched before all checks have passed.
 /// @param pos       1, 2 or 3 x nodes; the rows are the dimension of the file.
 /// @param first     first of consecutive matrices, nodes x elements, each numbered over all of `pos`.
@@ -97,7 +109,8 @@ TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, c
 ///         one entry for each from 0 to the largest, cannot be allocated; -199 other memory; -2 rows of `pos`; -3 rows
 ///         of `connect` or NONE_INDEX in a column that is written; -199 memory; -1 the file cannot be opened or
 ///         written.
-/// @note Linear, and n log n in the number of different references; 8 bytes for each reference and each element.
+/// @note Linear; n log n where the largest reference is far above the number of elements. 8 bytes for each element,
+///       and address space of 8 bytes for each reference from 0 to the largest.
 TESSOLV_API int medit_output(const char* filename, const dense2D<double>& pos, const dense2D<unsigned int>& connect,
                              element_type type, const dense1D<unsigned int>& refs);
 
@@ -114,6 +127,11 @@ TESSOLV_API int medit_tensor(const char* filename, const dense2D<float>& M);
 /// written, also where the name of the element has fewer: nine of EL_QUAD9 under "quad8", 18 of EL_WEDGE18 under
 /// "penta6", 27 of EL_HEXA27 under "hexa20". EL_TRIA6, EL_TETRA4 and EL_TETRA10 come in the order of the format, which
 /// turns tetrahedra the other way. Fields are 8 and 12 wide; larger numbers touch the field before them.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: 6 nodes; connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// ensight_output("square.geo", pos, connect, EL_TRIA3);  // -> 0
+/// @endcode
 /// @param filename  created before anything is checked: every failure but -1 leaves it empty.
 /// @param pos       1, 2 or 3 x nodes; missing coordinates are written as 0.
 /// @param first     first of consecutive matrices, nodes x elements, each numbered over all of `pos`.
@@ -163,6 +181,16 @@ TESSOLV_API int STL_output(const char* filename, const dense2D<double>& pos, con
 /// facets. That is no failure.
 /// Binary files are little-endian on every machine. The count in the file may be larger than what follows; it never
 /// decides how much memory is taken.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: (0, 0), (1, 0), (1, 1), (0, 0), (1, 1), (0, 1); connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// STL_output("square.stl", pos, connect, true);      // -> 0
+/// dense2D<double> welded;
+/// dense2D<unsigned> triangles;
+/// STL_input("square.stl", welded, triangles, true);  // -> 2
+/// welded;                                            // -> (0, 0, 0) (1, 0, 0) (1, 1, 0) (0, 1, 0)
+/// triangles;                                         // -> (0, 1, 2) (0, 2, 3)
+/// @endcode
 /// @param filename      a file name as the C runtime takes it.
 /// @param[out] pos      3 x nodes, replaced; 0 x 0 on failure and when nothing was read.
 /// @param[out] connect  3 x triangles, replaced; likewise.
@@ -199,6 +227,17 @@ TESSOLV_API int WavefrontOBJ_output(const char* filename, const dense2D<double>&
 /// kept, "vn" three, "vt" at most three. A corner is k, k/t, k/t/n or k//n, where a number behind a slash may be
 /// missing. Nodes count from 1; -1 is the last node read so far, -2 the one before. 0, and what reaches before the
 /// first node, becomes the number of nodes read so far, an index that check_IDs refuses.
+/// @code
+/// FILE* file = std::fopen("square.obj", "w");
+/// std::fputs("v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\nf -4 -3 -2\n", file);
+/// std::fclose(file);
+/// dense2D<double> pos, normals, uvs;
+/// dense2D<unsigned> triangles, quads;
+/// WavefrontOBJ_input("square.obj", pos, normals, uvs, triangles, quads);  // -> 0
+/// pos.cols;                                                               // -> 4
+/// quads;                                                                  // -> (0, 1, 2, 3)
+/// triangles;                                                              // -> (0, 1, 2)
+/// @endcode
 /// @param filename           a file name as the C runtime takes it.
 /// @param[out] pos           3 x nodes, replaced, as all outputs; 0 x 0 if the file has none.
 /// @param[out] normals       3 x "vn" lines.

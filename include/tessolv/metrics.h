@@ -18,6 +18,11 @@ namespace tessolv {
 /// @{
 
 /// The tensor of the size h in every direction: 1/h^2 on the diagonal; 0 unless h > 0.
+/// @code
+/// symmetric_fixed<double, 2> M;
+/// metric_iso_to_aniso(0.5, M);
+/// M;  // -> (4, 0, 4)
+/// @endcode
 TESSOLV_API void metric_iso_to_aniso(double h, symmetric_fixed<double, 2>& M);
 /// The same in 3-D.
 TESSOLV_API void metric_iso_to_aniso(double h, symmetric_fixed<double, 3>& M);
@@ -31,6 +36,11 @@ TESSOLV_API void metric_aniso3d_to_aniso2d(const symmetric_fixed<double, 3>& M3,
                                            symmetric_fixed<double, 2>& M2);
 
 /// Eigenvalues in ascending order.
+/// @code
+/// vector_fixed<double, 2> values;
+/// eigen_pairs(symmetric_fixed<double, 2>(2, 1, 2), values, matrix_fixed<double, 2, 2>());
+/// values;  // -> (1, 3)
+/// @endcode
 /// @param M             any symmetric tensor.
 /// @param[out] values   the eigenvalues.
 /// @param vectors       a copy, part of the interface: the caller's matrix stays as it is.
@@ -49,6 +59,12 @@ TESSOLV_API bool is_valid_metric(const symmetric_fixed<double, 3>& M);
 
 /// The metric that asks for the smaller of two sizes in every direction in which both tensors are diagonal at once
 /// (simultaneous reduction).
+/// @code
+/// const symmetric_fixed<double, 2> M1(1, 0, 4), M2(9, 0, 1);  // sizes 1 and 1/2; 1/3 and 1
+/// symmetric_fixed<double, 2> smaller;
+/// minimum_metric(M1, M2, smaller);  // -> true
+/// smaller;                          // -> (9, 0, 4)
+/// @endcode
 /// @param M1         positive definite.
 /// @param M2         should be so too; in directions where it is not, M1 alone counts.
 /// @param[out] Mout  may be M1 or M2; untouched when the result is false.

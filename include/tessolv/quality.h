@@ -30,6 +30,16 @@ namespace tessolv {
 /// | EL_HEXA8, EL_HEXA27          | 8    | the lesser of its corners and its faces seen from within  |
 ///
 /// Formulas and constants: quality/shape_measures.h.
+/// <!-- preamble: cube -->
+/// @code
+/// // pos, connect: the unit cube as one hexahedron
+/// dense1D<double> qualities;
+/// shape_qualities(pos, connect, EL_HEXA8, qualities);  // -> 0
+/// qualities;                                           // -> (1)
+/// zeb::misc::histogram h;
+/// shape_qualities(pos, connect, EL_HEXA8, h);          // -> 0
+/// h.mean();                                            // -> 1
+/// @endcode
 /// @param pos             rows x nodes. Surface elements are signed in 2 rows (positive when counter-clockwise), never
 ///                        negative in 3, and score 0 in any other number of rows. Solid elements read x, y, z; missing
 ///                        rows are 0, rows beyond the third are ignored.
@@ -65,6 +75,16 @@ TESSOLV_API int shape_qualities(const dense2D<double>& pos, const dense2D<unsign
                                 misc::histogram& h);
 
 /// Shortest, mean and longest edge at every node.
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (3, 0), (0, 4); connect: the triangle (0, 1, 2)
+/// pos(0, 1) = 3, pos(1, 2) = 4;
+/// dense2D<unsigned> edges;
+/// dense2D<double> lengths;
+/// copy_edges(connect, EL_TRIA3, edges);
+/// edge_lengths(pos, edges, lengths);  // -> 0
+/// lengths;                            // -> (3, 3.5, 4) (3, 4, 5) (4, 4.5, 5)
+/// @endcode
 /// @param pos           rows x nodes. Lengths are Euclidean over all rows, whatever their number.
 /// @param edges         2 x edges. An edge (a, a) has length 0 and counts twice at its node.
 /// @param[out] lengths  3 x nodes, replaced; owns its buffer. A column holds minimum, mean and maximum over the edges
@@ -77,6 +97,15 @@ TESSOLV_API int edge_lengths(const dense2D<double>& pos, const dense2D<unsigned 
 /// Length of every distinct edge measured with the sizes that its end nodes ask for: 1 as asked, below 1 too short,
 /// above 1 too long. The size is taken to vary linearly along the edge, so that the value of an edge of length L is
 /// L ln(hmax / hmin) / (hmax - hmin), and L / h when both ends ask for h.
+/// <!-- preamble: triangle -->
+/// @code
+/// // pos: (0, 0), (1, 0), (0, 1); connect: the triangle (0, 1, 2)
+/// zeb::misc::histogram h(0, 4, 8);
+/// edge_qualities(pos, connect, EL_TRIA3, dense1D<float>(3, 0.5f), h);  // -> 0
+/// h.count();                                                           // -> 3
+/// h.minimum();                                                         // -> 2
+/// h.maximum();                                                         // -> 2.82843
+/// @endcode
 /// @param pos      rows x nodes; x, y, z count, missing rows are 0.
 /// @param connect  nodes x elements, with all the rows of `type`. Only the edges between corners are measured, each
 ///                 once however many elements share it.

@@ -19,6 +19,15 @@ class kd_tree;
 ///
 /// The tree takes shape by the order of insertion, which is a fixed shuffling of the given one. So the same coordinates
 /// and lists give the same tree, and equally close nodes are decided alike in every run.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: (0, 0), (1, 0), (1, 1), (0, 0), (1, 1), (0, 1)
+/// const node_detector detector(pos);
+/// detector.find_closest(vector_fixed<double, 2>(0.9, 0.2));  // -> 1
+/// dense1D<unsigned> found;
+/// detector.find_in_box(vector_fixed<double, 2>(-0.5, 0.5), vector_fixed<double, 2>(0.5, 1.5), found);
+/// found;                                                     // -> (5)
+/// @endcode
 /// @note Building is O(n log n) expected, a query O(log n) expected. Queries need no memory, except for the growth of
 ///       the list of find_in_box, and may run at the same time as long as nobody inserts. No shared state.
 class TESSOLV_API node_detector {
@@ -135,6 +144,14 @@ TESSOLV_API int merge(const dense2D<double>& pos, const dense1D<unsigned int>& n
 /// shared buffers. Pairs at a distance (Euclidean, not squared, bound included) of at most `tolerance` are applied
 /// closest first, rounded to float for this order; of a pair whose nodes are both free, the one visited first (matrix,
 /// column, row) stays. `pos` keeps all its columns: see simplify.
+/// <!-- preamble: square -->
+/// @code
+/// // pos: (0, 0), (1, 0), (1, 1), (0, 0), (1, 1), (0, 1); connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense1D<unsigned> new_IDs;
+/// merge(pos, connect, new_IDs, 1e-9);  // -> 2
+/// new_IDs;                             // -> (0, 1, 2, 0, 2, 5)
+/// connect;                             // -> (0, 1, 2) (0, 2, 5)
+/// @endcode
 /// @param pos           2 or 3 x nodes, only read.
 /// @param first, last   connectivity matrices of any rows; NONE_INDEX is no node. Unchanged when the result is
 ///                      negative.

@@ -15,6 +15,14 @@ namespace tessolv {
 /// Lines, triangles and tetrahedra: face k is opposite vertex k; quadrangles: face k starts at vertex k. Faces are
 /// equal when they have the same vertices with the same repetitions; orientation is not compared. A degenerate element
 /// may be its own neighbour.
+/// <!-- preamble: two_tetrahedra -->
+/// @code
+/// // connect: the tetrahedra (0, 1, 2, 3) and (1, 2, 3, 4)
+/// dense2D<unsigned> neighbors;
+/// get_neighbors(connect, EL_TETRA4, false, neighbors);  // -> 0
+/// neighbors.col(0);                                     // -> (1, NONE_INDEX, NONE_INDEX, NONE_INDEX)
+/// neighbors.col(1);                                     // -> (NONE_INDEX, NONE_INDEX, NONE_INDEX, 0)
+/// @endcode
 /// @param connect           vertices x elements; of quadratic elements pass the corner rows only.
 /// @param type              EL_EDGE2, EL_TRIA3, EL_QUAD4, EL_FACE_MIX, EL_TETRA4 or EL_HEXA8; a quadratic mesh passes
 ///                          its corner rows under the linear type. Other types have no neighbours here. EL_FACE_MIX of
@@ -35,6 +43,14 @@ TESSOLV_API int get_neighbors(const dense2D<unsigned int>& connect, element_type
 /// The faces without a neighbour as a connectivity of the next lower dimension: vertices of a line mesh, edges of a
 /// surface, triangles or quadrangles of a solid. They come element by element and face by face; the vertices stand in
 /// the local order of the face, so that orientation follows the element.
+/// <!-- preamble: two_tetrahedra -->
+/// @code
+/// // connect: the tetrahedra (0, 1, 2, 3) and (1, 2, 3, 4)
+/// dense2D<unsigned> neighbors, boundaries;
+/// get_neighbors(connect, EL_TETRA4, false, neighbors);
+/// get_boundaries(connect, neighbors, EL_TETRA4, boundaries);  // -> 0
+/// boundaries;  // -> (2, 0, 3) (1, 3, 0) (2, 1, 0) (2, 3, 4) (3, 1, 4) (2, 4, 1)
+/// @endcode
 /// @param connect          vertices x elements, as for get_neighbors; EL_FACE_MIX must have 4 rows.
 /// @param neighbors        faces x elements, as get_neighbors makes it; only whether an entry is NONE_INDEX counts.
 /// @param type             as for get_neighbors.
@@ -49,6 +65,13 @@ TESSOLV_API int get_boundaries(const dense2D<unsigned int>& connect, const dense
                                element_type type, dense2D<unsigned int>& boundaries);
 
 /// One element of each node: ancestors[i] is the last element that holds node i.
+/// <!-- preamble: two_tetrahedra -->
+/// @code
+/// // connect: the tetrahedra (0, 1, 2, 3) and (1, 2, 3, 4)
+/// dense1D<unsigned> ancestors;
+/// get_ancestors(connect, ancestors);  // -> 0
+/// ancestors;                          // -> (0, 1, 1, 1, 1)
+/// @endcode
 /// @param connect            nodes x elements of any kind; quadratic nodes count like any others.
 /// @param[in,out] ancestors  empty: becomes a list of all nodes up to the largest in `connect`, NONE_INDEX where no
 ///                           element holds the node. Not empty: written in place (a view writes what it looks into);
@@ -61,6 +84,16 @@ TESSOLV_API int get_ancestors(const dense2D<unsigned int>& connect, dense1D<unsi
 /// The elements part by part, where two elements belong together when a chain of neighbours leads from one to the
 /// other. Parts are in the order of their lowest elements; each is listed breadth first from there, neighbours in the
 /// order of the rows.
+/// <!-- preamble: square -->
+/// @code
+/// // connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense2D<unsigned> neighbors;
+/// dense1D<unsigned> elements, offsets;
+/// get_neighbors(connect, EL_TRIA3, false, neighbors);
+/// get_connex_parts(neighbors, elements, offsets);  // -> 0
+/// elements;                                        // -> (0, 1)
+/// offsets;                                         // -> (0, 1, 2)
+/// @endcode
 /// @param neighbors      rows x n, entry = adjacent element or NONE_INDEX; any number of rows. Links are followed from
 ///                       where they stand, so one-sided ones may divide a part. Entries above n are ignored; one equal
 ///                       to n is listed once, like an element without neighbours (part of the interface).
@@ -89,6 +122,13 @@ TESSOLV_API int get_connex_parts(dense2D<unsigned int>& connect, dense2D<unsigne
 /// matrices share it, smaller index first. They come in the order in which a walk over matrices, elements and local
 /// edges first meets them. Only corners count: the edges of quadratic elements are the straight ones. An edge from a
 /// vertex to itself is an edge. EL_NODE, EL_SOLID_MIX and EL_HEXA20 have no edges here (part of the interface).
+/// <!-- preamble: square -->
+/// @code
+/// // connect: the triangles (0, 1, 2) and (3, 4, 5)
+/// dense2D<unsigned> edges;
+/// copy_edges(&connect, &connect + 1, dense1D<int>(1, EL_TRIA3), edges);  // -> 0
+/// edges;  // -> (1, 2) (0, 2) (0, 1) (4, 5) (3, 5) (3, 4)
+/// @endcode
 /// @param first           first of consecutive matrices, nodes x elements.
 /// @param last            behind the last of them.
 /// @param types           element_type of each matrix of [first, last). All rows of the type are expected, of quadratic

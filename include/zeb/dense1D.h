@@ -10,6 +10,14 @@ namespace zeb {
 /// A vector over a counted buffer. Entry i is buffer->data[offset + i]. Views (sub_vector, dense2D::col) and shallow
 /// copies share the buffer and see each other's writes; copies are deep. Access is not checked.
 /// The fields are public: loops may work on them directly.
+/// @code
+/// dense1D<double> v(3, 0.5);
+/// v.push_back(2);
+/// dense1D<double> copy(v), view = v.sub_vector(1, 2);
+/// view[0] = -1;
+/// v;     // -> (0.5, -1, 0.5, 2)
+/// copy;  // -> (0.5, 0.5, 0.5, 2)
+/// @endcode
 template <class T>
 class dense1D {
 public:

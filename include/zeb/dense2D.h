@@ -9,6 +9,17 @@ namespace zeb {
 /// sub_matrix) and shallow copies share the buffer and see each other's writes; copies are deep and compact.
 /// A matrix is empty when rows x cols is 0. Access is not checked. The fields are public: loops may work on them
 /// directly.
+/// @code
+/// dense2D<double> pos(2, 3, 0.0);  // three nodes in the plane
+/// pos(0, 1) = 1;                   // x of node 1
+/// pos.col(2)[1] = 4;               // y of node 2, through a view
+/// pos;         // -> (0, 0) (1, 0) (0, 4)
+/// dense2D<double> shared, copy(pos);
+/// shared.shallow_copy(pos);
+/// shared(0, 0) = 7;
+/// pos(0, 0);   // -> 7
+/// copy(0, 0);  // -> 0
+/// @endcode
 template <class T>
 class dense2D {
 public:

@@ -168,6 +168,12 @@ public:
 
 /// A symmetric N x N matrix by its upper triangle, packed column by column as LAPACK packs "U" storage: (0,0), (0,1),
 /// (1,1), (0,2), ... Entry (i, j) with i <= j is value j(j+1)/2 + i; (j, i) is the same entry.
+/// @code
+/// symmetric_fixed<double, 3> m(1, 2, 3, 4, 5, 6);
+/// m(0, 2);  // -> 4
+/// m(2, 0);  // -> 4
+/// m[5];     // -> 6
+/// @endcode
 template <class T, std::size_t N>
 class symmetric_fixed : public detail::fixed_storage<T, N*(N + 1) / 2> {
 public:

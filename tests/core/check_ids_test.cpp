@@ -4,6 +4,8 @@
 #include <string>
 
 #include "support/matrices.h"
+#include "support/random_meshes.h"
+#include "support/storage_forms.h"
 
 using namespace zeb::tessolv;
 using test::columns;
@@ -157,10 +159,35 @@ TEST(CheckIDs, AgreesWithItsDefinitionOnRandomMatricesAndViews)
         const unsigned n = random() % 3 == 0 ? 7 : 8;
         const bool expected = valid_by_definition(m, type, n);
         valid += expected;
-        ASSERT_EQ(check_IDs(m, type, n), expected) << type;
-        ASSERT_EQ(check_IDs(test::as_padded_view(m, N - 1), type, n), expected) << type;
+        for (const auto& form : test::storage_forms(m, N - 1))
+            ASSERT_EQ(check_IDs(form.matrix, type, n), expected) << type << ": " << form.name;
     }
     EXPECT_GT(valid, 2000);
+}
+
+TEST(CheckIDs, WithoutATypeAgreesWithItsDefinitionOnRandomMatricesListsAndViews)
+{
+    test::dice random(8);
+    int valid = 0;
+    for (int round = 0; round < 4000; ++round) {
+        const unsigned n = random.one_in(4) ? N - random.below(2) : random.below(9);
+        dense2D<unsigned> m(random.below(5), random.below(5));
+        bool expected = true;
+        for (std::uint64_t j = 0; j < m.cols; ++j)
+            for (std::uint64_t i = 0; i < m.rows; ++i) {
+                m(i, j) = random.one_in(4) ? N - random.below(3) : n == 0 ? N : random.below(n);
+                expected = expected && (m(i, j) == N || m(i, j) < n);
+            }
+        valid += expected;
+        for (const auto& form : test::storage_forms(m, N - 1)) {
+            ASSERT_EQ(check_IDs(form.matrix, n), expected) << form.name;
+            bool of_columns = true;
+            for (std::uint64_t j = 0; j < m.cols; ++j) of_columns = check_IDs(form.matrix.col(j), n) && of_columns;
+            ASSERT_EQ(of_columns, expected) << form.name;
+        }
+    }
+    EXPECT_GT(valid, 500);
+    EXPECT_LT(valid, 3500);
 }
 
 TEST(CheckIDs, FindsOneBadEntryAnywhereInALongList)

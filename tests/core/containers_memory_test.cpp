@@ -130,6 +130,22 @@ TEST(Dense2D, CopiesWithoutMemoryLeaveTheTargetOrAreEmpty)
         EXPECT_EQ(target, attempt.failed() ? columns({{9}}) : source);
     });
     test::for_each_failure([&](test::attempt& attempt) {
+        auto target = columns({{9}});
+        attempt([&] { target = source; });
+        EXPECT_EQ(target, attempt.failed() ? columns({{9}}) : source);
+    });
+    test::for_each_failure([&](test::attempt& attempt) {
+        auto target = columns({{9}});
+        attempt([&] { target = source.sub_matrix(0, 0, 2, 1); });
+        EXPECT_EQ(target, attempt.failed() ? columns({{9}}) : columns({{1, 2}}));
+    });
+    test::for_each_failure([&](test::attempt& attempt) {
+        const auto made = attempt([&] { return dense2D<unsigned>(2, 3); });
+        EXPECT_EQ(made.rows, attempt.failed() ? 0u : 2u);
+        EXPECT_EQ(made.cols, attempt.failed() ? 0u : 3u);
+        EXPECT_EQ(made.buffer == nullptr, attempt.failed());
+    });
+    test::for_each_failure([&](test::attempt& attempt) {
         const auto made = attempt([&] { return dense2D<unsigned>(source); });
         EXPECT_EQ(made, attempt.failed() ? dense2D<unsigned>() : source);
     });

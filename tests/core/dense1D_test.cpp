@@ -70,6 +70,26 @@ TEST(Dense1D, PushBackGrowsAsTheInterfaceSays)
     }
 }
 
+TEST(Dense1D, GrowthBeyond64BitsDropsThePushedValueAndKeepsTheSize)
+{
+    struct full_vector {
+        std::uint64_t capacity, size;
+    };
+    // Twice the capacity, twice its bytes, and the entries needed do not fit in 64 bits.
+    for (const auto& [capacity, size] : {full_vector{huge / 2 + 1, huge / 2 + 1}, full_vector{huge / 8, huge / 8},
+                                         full_vector{4, huge - 1}, full_vector{4, huge / 8}}) {
+        double memory[4] = {1, 2, 3, 4};
+        dense1D<double> v;
+        v.buffer = new dense_buffer<double>{memory, 1, capacity, 0, 1};
+        v.size = size;
+        v.push_back(5);
+        EXPECT_EQ(v.size, size);
+        EXPECT_EQ(v.buffer->data, memory);
+        EXPECT_EQ(v.buffer->capacity, capacity);
+        EXPECT_EQ(v.buffer->external, 1);
+    }
+}
+
 TEST(Dense1D, TheFirstPushMakesRoomForFour)
 {
     dense1D<unsigned> v;

@@ -1,10 +1,11 @@
-// What containers do when the blocks of the allocation function are not aligned to 8 bytes. The two functions below take
+// What containers and working storage do when the blocks of the allocation function are not aligned to 8 bytes. The two functions below take
 // the place of the library's own for this program.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <map>
 
+#include "core/scratch.h"
 #include "support/matrices.h"
 
 namespace {
@@ -49,6 +50,24 @@ TEST(MisalignedBlocks, DataIsAlignedAndTheShiftRemembered)
         ASSERT_TRUE(m.push_back(dense1D<double>(3, 2.0)));
         EXPECT_EQ(m(2, 7), 2.0);
         EXPECT_EQ(m(2, 6), 0.5);
+    }
+    misalignment = 0;
+    EXPECT_TRUE(blocks.empty());
+}
+
+TEST(MisalignedBlocks, WorkingStorageIsAligned)
+{
+    for (misalignment = 0; misalignment < 8; ++misalignment) {
+        SCOPED_TRACE(misalignment);
+        scratch<double> numbers;
+        scratch<unsigned> indices;
+        ASSERT_TRUE(numbers.allocate(2, 0.5) && indices.allocate(3));
+        for (unsigned i = 0; i < 100; ++i) ASSERT_TRUE(numbers.push_back(i) && indices.push_back(i));
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(numbers.data()) % alignof(double), 0u);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(indices.data()) % alignof(unsigned), 0u);
+        EXPECT_EQ(numbers[1], 0.5);
+        EXPECT_EQ(numbers.back(), 99.0);
+        EXPECT_EQ(indices.back(), 99u);
     }
     misalignment = 0;
     EXPECT_TRUE(blocks.empty());

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 
 #include "support/matrices.h"
@@ -77,7 +78,7 @@ TEST(IncBoundingBox, HoldsTheNodesOfAConnectivityOnly)
     EXPECT_EQ(flat.max, vec2(1, 5));
 }
 
-TEST(IncBoundingBox, SkipsNoneIndexInALists)
+TEST(IncBoundingBox, SkipsNoneIndexInAList)
 {
     box3 b;
     EXPECT_EQ(inc_bounding_box(three_points, indices({test::N, 1, test::N}), b.min, b.max), 0);
@@ -101,55 +102,21 @@ TEST(IncBoundingBox, AnEmptyMatrixOfTheRightRowsLeavesTheBoxAsItWas)
     EXPECT_EQ(b, before);
 }
 
-// A call, the code that it gives, and a box that nothing may touch.
-struct refusal {
-    const char* name;
-    dense2D<double> pos;
-    int all, list, connect;  // codes of the three forms
-    dense1D<unsigned> nodes;
-    dense2D<unsigned> elements;
-};
-class BoxRefusal : public testing::TestWithParam<refusal> {};
-
-TEST_P(BoxRefusal, OfEveryFormLeavesTheBoxAsItWas)
+TEST(IncBoundingBox, InSpaceRefusesCoordinatesOfTwoRowsAndLeavesTheBoxAsItWas)
 {
-    const auto& row = GetParam();
-    box3 b;
-    b.min = vec3(0.5, 0.5, 0.5);
-    const box3 before = b;
-    if (row.all != 0) {
-        EXPECT_EQ(inc_bounding_box(row.pos, b.min, b.max), row.all);
-    }
-    EXPECT_EQ(inc_bounding_box(row.pos, row.nodes, b.min, b.max), row.list);
-    EXPECT_EQ(inc_bounding_box(row.pos, row.elements, b.min, b.max), row.connect);
-    EXPECT_EQ(b, before);
+    vec3 min(0.5, 0.5, 0.5), max(0.5, 0.5, 0.5);
+    EXPECT_EQ(inc_bounding_box(flat_points, min, max), -1);
+    EXPECT_EQ(inc_bounding_box(flat_points, indices({0}), min, max), -1);
+    EXPECT_EQ(inc_bounding_box(flat_points, columns({{0, 1}}), min, max), -1);
+    EXPECT_EQ(min, vec3(0.5, 0.5, 0.5));
+    EXPECT_EQ(max, vec3(0.5, 0.5, 0.5));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    IncBoundingBox, BoxRefusal,
-    testing::Values(refusal{"two_rows_in_3d", flat_points, -1, -1, -1, indices({0}), columns({{0, 1}})},
-                    refusal{"four_rows", test::filled(4, 3, 1.0), -1, -1, -1, indices({0}), columns({{0, 1}})},
-                    refusal{"an_index_beyond", three_points, 0, -2, -2, indices({0, 3}), columns({{0, 3}})},
-                    refusal{"a_huge_index", three_points, 0, -2, -2, indices({0xFFFFFFFE}),
-                            columns({{0}, {0xFFFFFFFE}})},
-                    refusal{"an_index_into_nothing", test::filled(3, 0, 0.0), 0, -2, -2, indices({0}), columns({{0}})},
-                    refusal{"rows_before_indices", flat_points, -1, -1, -1, indices({9}), columns({{9}})},
-                    refusal{"a_list_of_nothing_but_none_on_wrong_rows", flat_points, -1, -1, 0, indices({test::N}),
-                            columns({{test::N}})},
-                    refusal{"nothing_listed_before_rows", flat_points, -1, 0, 0, indices({}), dense2D<unsigned>()},
-                    refusal{"rows_without_columns", flat_points, -1, 0, 0, indices({}), test::filled(4, 0, 9u)}),
-    [](const auto& row) { return std::string(row.param.name); });
-
-TEST(IncBoundingBox, TheFlatFormRefusesThreeRows)
+TEST(IncBoundingBox, AListOfNothingButNoneIsRefusedForItsRowsButAConnectivityIsNot)
 {
-    vec2 min(1, 1), max(2, 2);
-    EXPECT_EQ(inc_bounding_box(three_points, min, max), -1);
-    EXPECT_EQ(inc_bounding_box(three_points, indices({0}), min, max), -1);
-    EXPECT_EQ(inc_bounding_box(three_points, columns({{0}}), min, max), -1);
-    EXPECT_EQ(inc_bounding_box(flat_points, indices({3}), min, max), -2);
-    EXPECT_EQ(inc_bounding_box(flat_points, columns({{3}}), min, max), -2);
-    EXPECT_EQ(min, vec2(1, 1));
-    EXPECT_EQ(max, vec2(2, 2));
+    vec3 min, max;
+    EXPECT_EQ(inc_bounding_box(flat_points, indices({test::N}), min, max), -1);
+    EXPECT_EQ(inc_bounding_box(flat_points, columns({{test::N}}), min, max), 0);
 }
 
 TEST(IncBoundingBox, PassesOverNaN)
@@ -178,33 +145,67 @@ TEST(IncBoundingBox, OneVectorAsBothCornersIsReadAsItWasOnEntry)
     EXPECT_EQ(both, vec3(4, 5, 7));  // the upper corner is handed over last
 }
 
-TEST(IncBoundingBox, AgreesWithSortedCoordinatesOnRandomNodesAndInViews)
+// Of the coordinates of some nodes, sorted, in each row; NaN is left out.
+template <std::size_t D>
+void expect_sorted_extremes(const std::vector<std::vector<double>>& nodes, const std::vector<unsigned>& used,
+                            const vector_fixed<double, D>& min, const vector_fixed<double, D>& max)
 {
-    std::mt19937 random(41);
-    std::uniform_real_distribution<double> coordinate(-5, 5);
-    for (int round = 0; round < 2000; ++round) {
-        const std::size_t n = 1 + random() % 9;
-        std::vector<std::vector<double>> nodes(n, std::vector<double>(3));
-        for (auto& p : nodes)
-            for (double& x : p) x = random() % 4 == 0 ? std::round(coordinate(random)) : coordinate(random);
-        std::vector<std::vector<unsigned>> elements(1 + random() % 4, std::vector<unsigned>(3));
-        for (auto& e : elements)
-            for (unsigned& i : e) i = random() % 5 == 0 ? test::N : static_cast<unsigned>(random() % n);
-
-        box3 expected, found;
-        for (std::size_t k = 0; k < 3; ++k) {
-            std::vector<double> used;
-            for (const auto& e : elements)
-                for (const unsigned i : e)
-                    if (i != test::N) used.push_back(nodes[i][k]);
-            std::sort(used.begin(), used.end());
-            if (!used.empty()) expected.min[k] = used.front(), expected.max[k] = used.back();
-        }
-        ASSERT_EQ(inc_bounding_box(test::as_padded_view(points(nodes), -99.0),
-                                   test::as_padded_view(columns(elements), 77u), found.min, found.max),
-                  0);
-        ASSERT_EQ(found, expected) << "round " << round;
+    for (std::size_t k = 0; k < D; ++k) {
+        std::vector<double> values{1.0};  // the box before
+        for (const unsigned i : used)
+            if (i != test::N && !std::isnan(nodes[i][k])) values.push_back(nodes[i][k]);
+        std::sort(values.begin(), values.end());
+        ASSERT_EQ(min[k], values.front());
+        ASSERT_EQ(max[k], values.back());
     }
+}
+
+template <std::size_t D>
+void check_random_boxes(unsigned seed)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> coordinate(-5, 5);
+    for (int round = 0; round < 2000 && !testing::Test::HasFatalFailure(); ++round) {
+        SCOPED_TRACE(round);
+        const std::size_t n = 1 + random() % 9;
+        std::vector<std::vector<double>> nodes(n, std::vector<double>(D));
+        for (auto& p : nodes)
+            for (double& x : p) {
+                x = random() % 4 == 0 ? std::round(coordinate(random)) : coordinate(random);
+                if (random() % 30 == 0) x = random() % 2 == 0 ? nan_value : inf;
+            }
+        std::vector<std::vector<unsigned>> elements(1 + random() % 4, std::vector<unsigned>(3));
+        std::vector<unsigned> listed, all(n);
+        for (auto& e : elements)
+            for (unsigned& i : e) {
+                i = random() % 5 == 0 ? test::N : static_cast<unsigned>(random() % n);
+                listed.push_back(i);
+            }
+        std::iota(all.begin(), all.end(), 0u);
+
+        const auto pos = test::as_padded_view(points(nodes), -99.0);
+        const auto connect = test::as_padded_view(columns(elements), 77u);
+        const auto box = [](auto call, const auto& names, const auto& coordinates) {
+            vector_fixed<double, D> min, max;
+            for (std::size_t k = 0; k < D; ++k) min[k] = max[k] = 1.0;
+            ASSERT_EQ(call(min, max), 0);
+            expect_sorted_extremes<D>(coordinates, names, min, max);
+        };
+        box([&](auto& min, auto& max) { return inc_bounding_box(pos, min, max); }, all, nodes);
+        box([&](auto& min, auto& max) { return inc_bounding_box(pos, connect, min, max); }, listed, nodes);
+        listed.resize(random() % listed.size());
+        box([&](auto& min, auto& max) { return inc_bounding_box(pos, indices(listed), min, max); }, listed, nodes);
+    }
+}
+
+TEST(IncBoundingBox, AgreesWithSortedCoordinatesOnRandomNodesInThePlane)
+{
+    check_random_boxes<2>(42);
+}
+
+TEST(IncBoundingBox, AgreesWithSortedCoordinatesOnRandomNodesInSpace)
+{
+    check_random_boxes<3>(41);
 }
 
 }  // namespace

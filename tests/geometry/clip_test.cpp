@@ -124,38 +124,12 @@ TEST(Clip, WhatIsNotKeptLeavesAnOutputWithoutEntriesAsItWas)
     }
 }
 
-struct refusal {
-    const char* name;
-    int code;
-    dense2D<double> pos;
-    dense2D<unsigned> connect;
-    vec3 normal;
-    dense2D<unsigned> out;
-};
-class ClipRefusal : public testing::TestWithParam<refusal> {};
-
-TEST_P(ClipRefusal, LeavesTheOutputAsItWas)
+TEST(Clip, RefusesANormalShorterThanTheLeastLength)
 {
-    auto [name, code, pos, connect, normal, out] = GetParam();
-    const auto before = out;
-    EXPECT_EQ(clip(pos, connect, origin, normal, out), code);
-    EXPECT_EQ(out, before);
+    auto out = columns({{9, 9}});
+    EXPECT_EQ(clip(nodes, columns({{0, 1}}), origin, vec3(0, 0, 1e-13), out), -4);
+    EXPECT_EQ(out, columns({{9, 9}}));
 }
-
-const dense2D<unsigned> bad = columns({{0, 6}}), good = columns({{0, 1}}), narrow = columns({{3}});
-
-INSTANTIATE_TEST_SUITE_P(Clip, ClipRefusal,
-                         testing::Values(refusal{"index", -2, nodes, bad, up, good},
-                                         refusal{"huge_index", -2, nodes, columns({{0, 0xFFFFFFFE}}), up, good},
-                                         refusal{"index_into_nothing", -2, dense2D<double>(), good, up, good},
-                                         refusal{"short_normal", -4, nodes, good, vec3(0, 0, 1e-13), good},
-                                         refusal{"no_normal", -4, nodes, good, vec3(), good},
-                                         refusal{"rows_of_the_output", -5, nodes, good, up, narrow},
-                                         refusal{"index_before_normal", -2, nodes, bad, vec3(), good},
-                                         refusal{"index_before_output", -2, nodes, bad, up, narrow},
-                                         refusal{"normal_before_output", -4, nodes, good, vec3(), narrow},
-                                         refusal{"index_before_all", -2, nodes, bad, vec3(), narrow}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Clip, ANormalOfTheLeastLengthIsTaken)
 {

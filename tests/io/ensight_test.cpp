@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
 #include <limits>
 
 #include <tessolv/tessolv.h>
 
-#include "io/writer_faults.h"
+#include "io/writer_samples.h"
 #include "support/golden.h"
 #include "support/matrices.h"
 #include "support/temporary_file.h"
@@ -16,28 +15,7 @@ using namespace test;
 
 namespace {
 
-const dense2D<double> ten_nodes = points({{0, 0, 0},
-                                          {1, 0, 0},
-                                          {1, 1, 0},
-                                          {0, 1, 0},
-                                          {0, 0, 1},
-                                          {1, 0, 1},
-                                          {1, 1, 1},
-                                          {0, 1, 1},
-                                          {0.5, -0.25, 1234567.125},
-                                          {-1e-10, 1e100, std::numeric_limits<double>::infinity()}});
 const dense2D<double> plane = points({{0, 0}, {1, -2}});
-
-using range_form = int (*)(const char*, const dense2D<double>&, const dense2D<unsigned>*, const dense2D<unsigned>*,
-                           const dense1D<int>&);
-constexpr range_form ensight_range = ensight_output;
-
-dense2D<unsigned> counted_column(unsigned rows)
-{
-    dense2D<unsigned> m(rows, 1);
-    for (unsigned i = 0; i < rows; ++i) m(i, 0) = i;
-    return m;
-}
 
 std::string parts(const dense2D<unsigned>& connect, element_type type)
 {
@@ -58,6 +36,8 @@ TEST(EnsightOutput, WritesAPartForEachMatrixAndKeepsTheirNumbers)
                                                        columns({{0, 1, 2, N}}),
                                                        counted_column(10),
                                                        counted_column(9)};
+    dense2D<double> ten_nodes = cube_and_one;
+    ASSERT_EQ(append(ten_nodes, points({{-1e-10, 1e100, std::numeric_limits<double>::infinity()}})), 0);
     const temporary_file file;
     EXPECT_EQ(ensight_output(file.name(), ten_nodes, matrices.data(), matrices.data() + matrices.size(),
                              types({EL_TETRA4, EL_PYRAMID5, EL_TRIA6, EL_TETRA4, EL_FACE_MIX, EL_TETRA10, EL_QUAD9})),
@@ -138,59 +118,28 @@ TEST(EnsightOutput, LetsLongNumbersTouchTheFieldBefore)
               "       3-2147483648      -1\n");
 }
 
+TEST(EnsightOutput, KeepsThePartNumbersBehindAnEmptyMatrix)
+{
+    const temporary_file file;
+    ASSERT_EQ(ensight_output(file.name(), plane, dense2D<unsigned>(3, 0), columns({{0, 1}}), EL_TRIA3, EL_EDGE2), 0);
+    EXPECT_EQ(file.bytes(),
+              golden("plane.geo") + "part        2\n*************\nbar2\n       1\n       1       1       2\n");
+}
+
+TEST(EnsightOutput, SwapsTheMiddleNodesOfATetrahedron)
+{
+    EXPECT_EQ(parts(columns({{8, 2, 5, 1}}), EL_TETRA4),
+              "part        1\n*************\ntetra4\n       1\n       1       9       6       3       2\n");
+}
+
 TEST(EnsightOutput, WritesZerosForMissingCoordinates)
 {
+    const temporary_file flat;
+    EXPECT_EQ(ensight_output(flat.name(), points({{-0.5, 2}}), dense2D<unsigned>(), EL_TRIA3), 0);
+    EXPECT_NE(flat.bytes().find("\n       1-5.00000e-01 2.00000e+00 0.00000e+00\n"), std::string::npos);
     const temporary_file file;
     EXPECT_EQ(ensight_output(file.name(), points({{-0.5}}), dense2D<unsigned>(), EL_TRIA3), 0);
     EXPECT_NE(file.bytes().find("\n       1\n       1-5.00000e-01 0.00000e+00 0.00000e+00\n"), std::string::npos);
-}
-
-TEST(EnsightOutput, FindsFaultsInTheirOrderAndLeavesAnEmptyFile)
-{
-    const std::vector<writer_fault> faults = {
-        {"no file name", -1, no_file_name},
-        {"empty file name", -1, empty_file_name},
-        {"directory", -1, a_directory},
-        {"missing directory", -1, a_missing_directory},
-        {"no coordinates", -2, points_of_no_rows},
-        {"four rows", -2, points_of_four_rows},
-        {"last before first", -4, last_before_first},
-        {"too few types", -5, too_few_types},
-        {"too many types", -5, too_many_types},
-        {"wrong rows", -3, wrong_rows},
-        {"none in a pure matrix", -3, none_in_a_pure_matrix},
-        {"type 21", -3, type_beyond_the_last},
-        {"type -1", -3, type_below_the_first},
-        {"pyramid among solids", -3, pyramid_among_mixed_solids},
-    };
-    expect_codes_in_order(ensight_range, faults, [](const writer_call& call, int code) {
-        EXPECT_EQ(std::filesystem::exists(call.file.name()), code != -1);
-        EXPECT_EQ(call.file.bytes(), "");
-    });
-    EXPECT_EQ(writer_call().run(ensight_range), 0);
-}
-
-TEST(EnsightOutput, ReportsAFullDisk)
-{
-    EXPECT_EQ(ensight_output("/dev/full", plane, columns({{0, 1}}), EL_EDGE2), -1);
-    EXPECT_EQ(ensight_output("/dev/full", filled(3, 20000, 1.0), columns({{0, 1}}), EL_EDGE2), -1);
-}
-
-TEST(EnsightOutput, ClosesItsFileOnEveryReturn)
-{
-    const auto open_files = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                             std::filesystem::directory_iterator());
-    };
-    const temporary_file file;
-    const auto before = open_files();
-    for (int round = 0; round < 3; ++round) {
-        ensight_output(file.name(), plane, columns({{0, 1}}), EL_EDGE2);
-        ensight_output(file.name(), plane, columns({{0, 1}}), EL_TRIA3);
-        ensight_output(file.name(), dense2D<double>(), columns({{0, 1}}), EL_EDGE2);
-        ensight_output("/dev/full", plane, columns({{0, 1}}), EL_EDGE2);
-    }
-    EXPECT_EQ(open_files(), before);
 }
 
 }  // namespace

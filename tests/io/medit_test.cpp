@@ -5,11 +5,17 @@
 #include <filesystem>
 #include <limits>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <tessolv/tessolv.h>
 
-#include "io/writer_faults.h"
+#include "io/writer_samples.h"
+#include "support/fault_pairs.h"
 #include "support/golden.h"
 #include "support/matrices.h"
+#include "support/open_files.h"
 #include "support/temporary_file.h"
 
 using namespace zeb::tessolv;
@@ -17,20 +23,7 @@ using namespace test;
 
 namespace {
 
-const dense2D<double> cube_and_one = points({{0, 0, 0},
-                                             {1, 0, 0},
-                                             {1, 1, 0},
-                                             {0, 1, 0},
-                                             {0, 0, 1},
-                                             {1, 0, 1},
-                                             {1, 1, 1},
-                                             {0, 1, 1},
-                                             {0.5, -0.25, 1234567.125}});
 const dense2D<double> plane = points({{0, 0}, {1, 0}, {1, 1}, {0, 1}, {2.5, 1.0 / 3.0}});
-
-using range_form = int (*)(const char*, const dense2D<double>&, const dense2D<unsigned>*, const dense2D<unsigned>*,
-                           const dense1D<int>&);
-constexpr range_form medit_range = medit_output;
 
 // The file behind its vertices.
 std::string sections(const std::string& bytes)
@@ -48,11 +41,9 @@ std::string written_sections(const dense2D<unsigned>& connect, element_type type
 
 TEST(MeditOutput, WritesSectionsByTypeAndSplitsMixedMatrices)
 {
-    const std::array<dense2D<unsigned>, 5> matrices = {
-        columns({{0, 1, 2, 4}, {8, 1, 2, 6}}), columns({{0, 1, 2, 3, 4, 5}}),
-        columns(
-            {{0, 1, 2, 3, 4, 5, 6, 7}, {0, 1, 3, 4, N, N, N, N}, {0, 1, 2, 4, 5, 6, N, N}, {1, 2, 3, 6, N, 7, 7, 7}}),
-        columns({{0, 1, 8}}), columns({{0, 1, 2, 3, 4}})};
+    const std::array<dense2D<unsigned>, 5> matrices = {columns({{0, 1, 2, 4}, {8, 1, 2, 6}}),
+                                                       columns({{0, 1, 2, 3, 4, 5}}), mixed_solids,
+                                                       columns({{0, 1, 8}}), columns({{0, 1, 2, 3, 4}})};
     const temporary_file file;
     EXPECT_EQ(medit_output(file.name(), cube_and_one, matrices.data(), matrices.data() + matrices.size(),
                            types({EL_TETRA4, EL_TRIA6, EL_SOLID_MIX, EL_EDGE3, EL_PYRAMID5})),
@@ -60,16 +51,23 @@ TEST(MeditOutput, WritesSectionsByTypeAndSplitsMixedMatrices)
     EXPECT_EQ(file.bytes(), golden("kinds.mesh"));
 }
 
-TEST(MeditOutput, WritesCornersOnly)
+TEST(MeditOutput, CountsNodesFromOneAndEndsALineWithTheReference)
 {
     EXPECT_EQ(written_sections(columns({{0, 1, 2}}), EL_TRIA3), "Triangles\n1\n1 2 3 0 \n\nEnd\n");
+}
+
+TEST(MeditOutput, WritesOnlyTheCornersOfQuadraticElements)
+{
     EXPECT_EQ(written_sections(columns({{0, 1, 2, 3, 4, 5}}), EL_TRIA6), "Triangles\n1\n1 2 3 0 \n\nEnd\n");
     EXPECT_EQ(written_sections(columns({{0, 1, 2, 3, 4, 5, 6, 7, 8}}), EL_QUAD9),
               "Quadrilaterals\n1\n1 2 3 4 0 \n\nEnd\n");
 }
 
-TEST(MeditOutput, LeavesOutKindsWithoutASection)
+TEST(MeditOutput, OfWedgesPyramidsAndNodesHasVerticesOnly)
 {
+    const temporary_file file;
+    EXPECT_EQ(medit_output(file.name(), points({{-1.5}, {1e100}}), columns({{0, 1, 2, 3, 4, 5}}), EL_WEDGE6), 0);
+    EXPECT_EQ(file.bytes(), golden("line.mesh"));
     EXPECT_EQ(written_sections(columns({{0, 1, 2, 3, 4, 5}}), EL_WEDGE6), "End\n");
     EXPECT_EQ(written_sections(columns({{0, 1, 2, 3, 4}}), EL_PYRAMID5), "End\n");
     EXPECT_EQ(written_sections(columns({{0}}), EL_NODE), "End\n");
@@ -123,44 +121,6 @@ TEST(MeditOutput, DoesNotCompareIndicesWithTheNumberOfNodes)
               "Edges\n2\n101 2147483647 0 \n-2147483648 -1 0 \n\nEnd\n");
 }
 
-TEST(MeditOutput, FindsFaultsInTheirOrderAndTouchesNoFile)
-{
-    const std::vector<writer_fault> faults = {
-        {"no coordinates", -2, points_of_no_rows},
-        {"four rows", -2, points_of_four_rows},
-        {"last before first", -4, last_before_first},
-        {"too few types", -5, too_few_types},
-        {"too many types", -5, too_many_types},
-        {"wrong rows", -3, wrong_rows},
-        {"none in a pure matrix", -3, none_in_a_pure_matrix},
-        {"type 21", -3, type_beyond_the_last},
-        {"type -1", -3, type_below_the_first},
-        {"pyramid among solids", -3, pyramid_among_mixed_solids},
-        {"no file name", -1, no_file_name},
-        {"empty file name", -1, empty_file_name},
-        {"directory", -1, a_directory},
-        {"missing directory", -1, a_missing_directory},
-    };
-    expect_codes_in_order(medit_range, faults, [](const writer_call& call, int) {
-        EXPECT_FALSE(std::filesystem::exists(call.file.name()));
-    });
-    EXPECT_EQ(writer_call().run(medit_range), 0);
-}
-
-TEST(MeditOutput, KeepsAnOlderFileWhenTheMeshIsRefused)
-{
-    const temporary_file file("from before");
-    EXPECT_EQ(medit_output(file.name(), cube_and_one, columns({{0, 1}}), EL_TRIA3), -3);
-    EXPECT_EQ(file.bytes(), "from before");
-}
-
-TEST(MeditOutput, ReportsAFullDisk)
-{
-    EXPECT_EQ(medit_output("/dev/full", cube_and_one, columns({{0, 1, 2}}), EL_TRIA3), -1);
-    EXPECT_EQ(medit_output("/dev/full", filled(3, 20000, 1.0), columns({{0, 1, 2}}), EL_TRIA3), -1);
-    EXPECT_EQ(medit_output("/dev/full", cube_and_one, columns({{0, 1, 2}}), EL_TRIA3, indices({4})), -1);
-}
-
 TEST(MeditOutputByReference, OrdersElementsByReferenceThenByColumn)
 {
     const dense2D<unsigned> faces = columns({{0, 1, 2, N}, {1, 4, 2, N}, {3, 4, 0, N}, {3, 2, 1, 0}});
@@ -205,32 +165,74 @@ TEST(MeditOutputByReference, DoesNotLookAtElementsWithoutAReference)
     EXPECT_EQ(sections(file.bytes()), "End\n");
 }
 
-TEST(MeditOutputByReference, TouchesOnlyTheCountersOfReferencesThatOccur)
+// The greatest memory in KiB that a process of its own had while it wrote 64 edges of given references.
+long memory_to_write(const dense1D<unsigned>& refs)
 {
-    // Two hundred million counters, of which two are used.
-    const temporary_file file;
-    ASSERT_EQ(medit_output(file.name(), plane, columns({{0, 1}, {1, 2}}), EL_EDGE2, indices({200000000, 0})), 0);
-    EXPECT_EQ(sections(file.bytes()), "Edges\n2\n2 3 0 \n1 2 200000000 \n\nEnd\n");
+    const dense2D<unsigned> edges = filled(2, 64, 1u);
+    const pid_t child = fork();
+    if (child == 0) _exit(medit_output("/dev/null", plane, edges, EL_EDGE2, refs) == 0 ? 0 : 1);
+    int status = -1;
+    rusage usage{};
+    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+    EXPECT_EQ(status, 0);
+    return usage.ru_maxrss;
 }
 
-TEST(MeditOutputByReference, FindsFaultsInTheirOrder)
+TEST(MeditOutputByReference, NeedsNoMoreMemoryForLargeReferences)
+{
+    dense1D<unsigned> near(64), far(64);
+    for (unsigned j = 0; j < 64; ++j) {
+        near[j] = 63 - j;
+        far[j] = (63 - j) << 18;  // 2 MiB of a table of 8 bytes for each reference lie between two of them
+    }
+    EXPECT_LT(memory_to_write(far), memory_to_write(near) + 32 * 1024);
+}
+
+TEST(MeditOutputByReference, OrdersLargeReferencesLikeSmallOnes)
 {
     const temporary_file file;
-    const dense2D<double> no_points;
-    const dense2D<unsigned> wrong = columns({{0, 1}});
-    const dense2D<unsigned> right = columns({{0, 1, 2}});
-    const dense1D<unsigned> refs = indices({4});
-    const dense1D<unsigned> no_refs;
-    const char* nowhere = "/no such directory/file";
-    EXPECT_EQ(medit_output(nowhere, no_points, wrong, EL_TRIA3, no_refs), -5);
-    EXPECT_EQ(medit_output(nowhere, no_points, wrong, EL_TRIA3, indices({4, 4})), -5);
-    EXPECT_EQ(medit_output(nowhere, no_points, wrong, EL_TRIA3, refs), -2);
-    EXPECT_EQ(medit_output(nowhere, filled(4, 5, 0.0), wrong, EL_TRIA3, refs), -2);
-    EXPECT_EQ(medit_output(nowhere, plane, wrong, EL_TRIA3, refs), -3);
-    EXPECT_EQ(medit_output(nowhere, plane, right, static_cast<element_type>(21), refs), -3);
-    EXPECT_EQ(medit_output(nowhere, plane, right, EL_TRIA3, refs), -1);
-    EXPECT_EQ(medit_output(nullptr, plane, right, EL_TRIA3, refs), -1);
-    EXPECT_EQ(medit_output(file.name(), plane, right, EL_TRIA3, refs), 0);
+    ASSERT_EQ(medit_output(file.name(), plane, columns({{0, 1}, {1, 2}, {2, 3}, {3, 0}, {1, 3}}), EL_EDGE2,
+                           indices({200000000, 0, 200000000, N, 7})),
+              0);
+    EXPECT_EQ(sections(file.bytes()), "Edges\n4\n2 3 0 \n2 4 7 \n1 2 200000000 \n3 4 200000000 \n\nEnd\n");
+}
+
+struct referenced_call {
+    temporary_file file;
+    const char* name = file.name();
+    dense2D<double> pos = plane;
+    dense2D<unsigned> connect = columns({{0, 1, 2}, {2, 3, 4}});
+    dense1D<unsigned> refs = indices({4, 0});
+    element_type type = EL_TRIA3;
+};
+
+TEST(MeditOutputByReference, FindsFaultsInTheirOrderAndTouchesNoFile)
+{
+    const fault_table<referenced_call> table{
+        {"no elements", 0, [](referenced_call& call) { call.connect = {}; }},
+        {"no columns", 0, [](referenced_call& call) { call.connect = filled(3, 0, 0u); }},
+        {"no rows", 0, [](referenced_call& call) { call.connect = filled(0, 2, 0u); }},
+        {"no references", -5, [](referenced_call& call) { call.refs.resize(0); }},
+        {"a reference too many", -5, [](referenced_call& call) { call.refs.resize(3, 1u); }},
+        {"no coordinates", -2, [](referenced_call& call) { call.pos = {}; }},
+        {"four rows", -2, [](referenced_call& call) { call.pos = filled(4, 5, 0.0); }},
+        {"wrong rows", -3,
+         [](referenced_call& call) {
+             call.connect = columns({{0, 1}, {2, 3}});
+         }},
+        {"none in a pure matrix", -3, [](referenced_call& call) { call.connect(1, 1) = N; }},
+        {"type 21", -3, [](referenced_call& call) { call.type = static_cast<element_type>(21); }},
+        {"no file name", -1, [](referenced_call& call) { call.name = nullptr; }},
+        {"missing directory", -1, [](referenced_call& call) { call.name = "/no such directory/file"; }},
+    };
+    expect_codes_in_order(table, [](const referenced_call& call) {
+        const int code = medit_output(call.name, call.pos, call.connect, call.type, call.refs);
+        EXPECT_FALSE(std::filesystem::exists(call.file.name()));
+        return code;
+    });
+    const referenced_call good;
+    EXPECT_EQ(medit_output(good.name, good.pos, good.connect, good.type, good.refs), 0);
+    EXPECT_EQ(medit_output("/dev/full", good.pos, good.connect, good.type, good.refs), -1);
 }
 
 TEST(MeditTensor, WritesOneLineForEachNode)
@@ -281,21 +283,14 @@ TEST(MeditTensor, ReportsAFileThatCannotBeWrittenBeforeTheRows)
     EXPECT_EQ(medit_tensor("/dev/full", dense2D<float>(3, 20000, 0.0f)), -1);
 }
 
-TEST(MeditOutput, ClosesItsFilesOnEveryReturn)
+TEST(MeditTensor, AndTheFormByReferenceCloseTheirFiles)
 {
-    const auto open_files = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                             std::filesystem::directory_iterator());
-    };
     const temporary_file file;
     const auto before = open_files();
-    for (int round = 0; round < 3; ++round) {
-        medit_output(file.name(), plane, columns({{0, 1, 2}}), EL_TRIA3);
-        medit_output(file.name(), plane, columns({{0, 1, 2}}), EL_TRIA3, indices({3}));
-        medit_output("/dev/full", plane, columns({{0, 1, 2}}), EL_TRIA3);
-        medit_tensor(file.name(), dense2D<float>(3, 2, 0.0f));
-        medit_tensor(file.name(), dense2D<float>(4, 2, 0.0f));
-        medit_tensor("/dev/full", dense2D<float>(3, 2, 0.0f));
+    for (const char* name : {file.name(), "/dev/full"}) {
+        medit_output(name, plane, columns({{0, 1, 2}}), EL_TRIA3, indices({3}));
+        medit_tensor(name, filled(3, 2, 0.0f));
+        medit_tensor(name, filled(4, 2, 0.0f));
     }
     EXPECT_EQ(open_files(), before);
 }

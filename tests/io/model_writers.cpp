@@ -1,4 +1,5 @@
 #include "io/model_writers.h"
+#include "support/classic_locale.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -11,6 +12,7 @@ namespace {
 
 [[gnu::format(printf, 2, 3)]] void print(std::string& out, const char* format, ...)
 {
+    const classic_locale classic;
     char text[1000];
     va_list values;
     va_start(values, format);

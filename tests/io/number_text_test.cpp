@@ -8,6 +8,7 @@
 #include <string>
 
 #include "io/number_text.h"
+#include "support/classic_locale.h"
 
 // The texts of numbers against those of the C runtime, which prints in the C locale here.
 
@@ -29,6 +30,7 @@ constexpr format<double> real_formats[] = {{"%f", put_fixed},
 
 std::string printed(const char* pattern, double value)
 {
+    const test::classic_locale classic;
     char text[number_room + 1];
     const int length = std::snprintf(text, sizeof text, pattern, value);
     return {text, static_cast<std::size_t>(length)};

@@ -91,21 +91,21 @@ TEST(STLInput, ReadsDamagedTextByTheRules)
 {
     std::mt19937 random(1);
     int shortened = 0;
-    for (int k = 0; k < 5000; ++k) {
+    for (int k = 0; k < 3000; ++k) {
         std::string text = k % 2 == 0 ? odd_text : stl_text(cube_facets(k));
         for (std::size_t n = random() % 4; n > 0; --n) damage(text, random);
         const stl_mesh m = read_stl(text, true);
         shortened += m.code != (k % 2 == 0 ? 3 : 12);
         ASSERT_EQ(m, stl_model_of(text, true)) << text;
     }
-    EXPECT_GT(shortened, 500);
-    EXPECT_LT(shortened, 4500);
+    EXPECT_GT(shortened, 300);
+    EXPECT_LT(shortened, 2700);
 }
 
 TEST(STLInput, ReadsDamagedBinaryByTheRules)
 {
     std::mt19937 random(2);
-    for (int k = 0; k < 3000; ++k) {
+    for (int k = 0; k < 2200; ++k) {
         std::string bytes = stl_binary(cube_facets(k + 1), 12);
         for (std::size_t n = random() % 4; n > 0; --n) damage(bytes, random);
         ASSERT_EQ(read_stl(bytes, false), stl_model_of(bytes, false));
@@ -149,13 +149,13 @@ TEST(STLInput, ReadsWordsAndBlanksLongerThanABlock)
     EXPECT_EQ(m, stl_model_of(text, true));
 }
 
-TEST(STLInput, PassesOverALineOfAHundredMegabytes)
+TEST(STLInput, PassesOverALineOfThirtyMegabytes)
 {
     const temporary_file file("solid");
     {
         const std::string piece(1000000, 'x');
         std::FILE* f = std::fopen(file.name(), "ab");
-        for (int k = 0; k < 100; ++k) std::fwrite(piece.data(), 1, piece.size(), f);
+        for (int k = 0; k < 30; ++k) std::fwrite(piece.data(), 1, piece.size(), f);
         std::fclose(f);
     }
     EXPECT_EQ(read_stl_file(file.name(), true), stl_mesh{}) << "its second piece begins no facet";

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "support/classic_locale.h"
 #include "support/matrices.h"
 #include "support/temporary_file.h"
 
@@ -66,6 +67,7 @@ public:
     // A negative code, or 0 and the facets.
     int read_text(std::FILE* f)
     {
+        const classic_locale classic;
         char line[256];
         if (std::fgets(line, sizeof line, f) == nullptr) return -1;
         double v[3];
@@ -198,6 +200,7 @@ using facet_corners = std::vector<std::vector<double>>;
 
 inline std::string stl_text(const std::vector<facet_corners>& facets)
 {
+    const classic_locale classic;
     std::string text = "solid some name\n";
     for (const facet_corners& facet : facets) {
         text += "  facet normal 0 0 1\n    outer loop\n";

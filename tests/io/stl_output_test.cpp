@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "support/classic_locale.h"
 #include "support/comma_locale.h"
+#include "support/fault_pairs.h"
 #include "support/matrices.h"
 #include "support/open_files.h"
 #include "support/temporary_file.h"
@@ -54,6 +56,7 @@ void normal_of(const double (&P)[3][3], double (&N)[3])
 
 std::string line(const char* format, const double (&v)[3])
 {
+    const test::classic_locale classic;
     char text[200];
     std::snprintf(text, sizeof text, format, v[0], v[1], v[2]);
     return text;
@@ -181,7 +184,7 @@ TEST(STLOutput, WritesTheBytesThatTheRuntimeWouldPrint)
 {
     std::mt19937 random(1);
     const double special[] = {0.0, -0.0, 1e-320, 1e100, -1e-100, 0.5, 999999.95, 9.9999995e10, 1e7, 12345678.5};
-    for (int k = 0; k < 1500; ++k) {
+    for (int k = 0; k < 2100; ++k) {
         const std::uint64_t nodes = 3 + random() % 5;
         dense2D<double> pos(2 + random() % 2, nodes);
         for (std::uint64_t j = 0; j < nodes; ++j)
@@ -239,46 +242,47 @@ TEST(STLOutput, ReplacesTheFile)
 
 namespace {
 
-struct refusal {
-    const char* name;
-    dense2D<double> pos;
-    dense2D<unsigned int> connect;
-    int code;
+struct stl_call {
+    const char* name = nullptr;  // of its own file
+    dense2D<double> pos = corner_points;
+    dense2D<unsigned int> connect = two_facets;
 };
 
-class STLOutputRefusal : public testing::TestWithParam<refusal> {};
+const test::fault_table<stl_call> faults{
+    {"no file name", -1, [](stl_call& call) { call.name = ""; }},
+    {"a directory", -1, [](stl_call& call) { call.name = "/tmp"; }},
+    {"a missing directory", -1, [](stl_call& call) { call.name = "/nowhere/at/all"; }},
+    {"one row", -2, [](stl_call& call) { call.pos = filled(1, 4, 0.0); }},
+    {"four rows", -2, [](stl_call& call) { call.pos = filled(4, 4, 0.0); }},
+    {"no coordinates", -2, [](stl_call& call) { call.pos = {}; }},
+    {"node 4 of 4", -3, [](stl_call& call) { call.connect(2, 0) = 4; }},
+    {"no node", -3, [](stl_call& call) { call.connect(1, 1) = test::N; }},
+    {"a huge index", -3, [](stl_call& call) { call.connect(0, 1) = 0xFFFFFFFE; }},
+    {"lines", -3,
+     [](stl_call& call) {
+         call.connect = columns({{0, 1}});
+     }},
+    {"quadrilaterals", -3,
+     [](stl_call& call) {
+         call.connect = columns({{0, 1, 2, 3}});
+     }},
+    {"no nodes", -3, [](stl_call& call) { call.pos.resize(call.pos.rows, 0); }},
+};
 
 }  // namespace
 
-TEST_P(STLOutputRefusal, LeavesAnEmptyFileAndGivesItsCode)
+TEST(STLOutput, FindsFaultsInTheirOrderAndLeavesAnEmptyFile)
 {
-    const auto& [name, pos, connect, code] = GetParam();
     const std::ptrdiff_t before = test::open_files();
-    for (const bool ascii : {true, false}) {
-        const written file = write_stl(pos, connect, ascii);
-        EXPECT_EQ(file.code, code);
-        EXPECT_EQ(file.bytes, "");
-        EXPECT_EQ(STL_output("/nowhere/at/all", pos, connect, ascii), -1) << "the file comes first";
-        EXPECT_EQ(STL_output("/dev/full", pos, connect, ascii), code) << "nothing is written";
-    }
+    for (const bool ascii : {true, false})
+        test::expect_codes_in_order(faults, [&](const stl_call& call) {
+            const temporary_file file("from before");
+            const int code = STL_output(call.name != nullptr ? call.name : file.name(), call.pos, call.connect, ascii);
+            EXPECT_EQ(file.bytes(), code == -1 ? "from before" : "");
+            return code;
+        });
     EXPECT_EQ(test::open_files(), before);
 }
-
-INSTANTIATE_TEST_SUITE_P(STLOutput, STLOutputRefusal,
-                         testing::Values(refusal{"OneRow", points({{1}, {2}, {3}}), columns({{0, 1, 2}}), -2},
-                                         refusal{"FourRows", filled(4, 3, 0.0), columns({{0, 1, 2}}), -2},
-                                         refusal{"NoCoordinates", {}, {}, -2},
-                                         refusal{"NoCoordinatesAndBadIndex", {}, columns({{0, 1, 2}}), -2},
-                                         refusal{"RowsAndBadIndex", filled(1, 3, 0.0), columns({{0, 1, 9}}), -2},
-                                         refusal{"RowsAndBadShape", filled(5, 3, 0.0), columns({{0, 1}}), -2},
-                                         refusal{"IndexBehindTheLastNode", corner_points, columns({{0, 1, 4}}), -3},
-                                         refusal{"NoneIndex", corner_points, columns({{0, 1, 2}, {0, 1, test::N}}), -3},
-                                         refusal{"HugeIndex", corner_points, columns({{0xFFFFFFFE, 1, 2}}), -3},
-                                         refusal{"Lines", corner_points, columns({{0, 1}}), -3},
-                                         refusal{"Quadrilaterals", corner_points, columns({{0, 1, 2, 3}}), -3},
-                                         refusal{"NodesWithoutCoordinates", filled(3, 0, 0.0), columns({{0, 0, 0}}),
-                                                 -3}),
-                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(STLOutput, RefusesAFileThatCannotBeOpened)
 {

@@ -228,7 +228,7 @@ TEST(WavefrontOBJInput, ReadsDamagedFilesByTheRules)
                                   "vt ", "vn ",   "f ", "\nf 1 2 3\n", "\\", "4294967296", std::string(1, '\0'),
                                   "nan", "1e999", "#"};
     int refused = 0;
-    for (int k = 0; k < 6000; ++k) {
+    for (int k = 0; k < 4000; ++k) {
         std::string text = every_form;
         for (std::size_t n = random() % 4; n > 0; --n) {
             const std::size_t at = random() % text.size();
@@ -250,6 +250,6 @@ TEST(WavefrontOBJInput, ReadsDamagedFilesByTheRules)
         refused += m.code != 0;
         ASSERT_EQ(m, model_of(text)) << text;
     }
-    EXPECT_GT(refused, 1000);
-    EXPECT_LT(refused, 5000);
+    EXPECT_GT(refused, 700);
+    EXPECT_LT(refused, 3300);
 }

@@ -139,8 +139,8 @@ TEST(WritersWithoutMemory, RefuseTheTableOfReferencesWithACodeOfItsOwn)
         codes.push_back(attempt([&] { return medit_output(name, given.pos, given.matrices[0], EL_FACE_MIX, refs); }));
         EXPECT_EQ(access(name, F_OK) == 0, !attempt.failed());
     });
-    // In peace; then the table, the order, the references that occur, the blocks and the text refused, and nothing.
-    EXPECT_EQ(codes, (std::vector<int>{0, -6, -199, -199, -199, -199, 0, -6, -199, -199, -199, -199, 0}));
+    // In peace; then the table, the order, the blocks and the text refused, and nothing.
+    EXPECT_EQ(codes, (std::vector<int>{0, -6, -199, -199, -199, 0, -6, -199, -199, -199, 0}));
 }
 
 TEST(WritersWithoutMemory, FindTheLengthOfReferencesFirst)

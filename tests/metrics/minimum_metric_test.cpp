@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "metrics/reference.h"
 
@@ -30,7 +33,7 @@ void expect_close(const symmetric_fixed<double, N>& found, const symmetric_fixed
             << testing::PrintToString(found) << " instead of " << testing::PrintToString(expected);
 }
 
-TEST(MinimumMetric, OfTheUnitTensorAndFourTimesIt)
+TEST(MinimumMetric, OfTheUnitTensorAndFourTimesItIsTheLatter)
 {
     S2 flat;
     EXPECT_TRUE(minimum_metric(S2(1, 0, 1), S2(4, 0, 4), flat));
@@ -121,6 +124,14 @@ TEST(MinimumMetric, MayBeStoredInEitherTensor)
     EXPECT_EQ(in_first, expected);
     EXPECT_EQ(in_second, expected);
     expect_close(in_both, first, 1e-14L);
+
+    const S2 flat(4, 1, 5), other(5, -1, 4);
+    S2 wanted, in_flat = flat, in_other = other;
+    ASSERT_TRUE(minimum_metric(flat, other, wanted));
+    EXPECT_TRUE(minimum_metric(in_flat, other, in_flat));
+    EXPECT_TRUE(minimum_metric(flat, in_other, in_other));
+    EXPECT_EQ(in_flat, wanted);
+    EXPECT_EQ(in_other, wanted);
 }
 
 // The stated procedure with directions P, their inverse and the two sizes in each, in extended precision: the columns v
@@ -270,6 +281,26 @@ TEST(MinimumMetric, InACommonFrameTakesTheGreaterEigenvalues)
         ASSERT_TRUE(minimum_metric(test::tensor_of(Q, a), test::tensor_of(Q, b), found));
         expect_close(found, expected, 1e-11L * test::largest_entry(expected));
     }
+}
+
+// The closed form in 2-D knows nearly equal eigenvalues to 1e-8; the axes it must not exchange.
+TEST(MinimumMetric, OfTensorsWithTheSameAxesIn2DKeepsTheAxes)
+{
+    const std::vector<double> sizes = {1, 0.5, 0.25, 0.2, 0.1, 0.05, 0.02, 0.01, 0.001};
+    std::vector<double> entries;
+    for (const double h : sizes) entries.push_back(1 / (h * h));
+    for (const double a : entries)
+        for (const double b : entries)
+            for (const double c : entries)
+                for (const double d : entries) {
+                    S2 found;
+                    ASSERT_TRUE(minimum_metric(diagonal<2>({a, b}), diagonal<2>({c, d}), found));
+                    const std::string pair = "diag(" + std::to_string(a) + ", " + std::to_string(b) + ") and diag(" +
+                                             std::to_string(c) + ", " + std::to_string(d) + ")";
+                    EXPECT_NEAR(found(0, 0), std::max(a, c), 1e-7 * std::max(a, c)) << pair;
+                    EXPECT_NEAR(found(1, 1), std::max(b, d), 1e-7 * std::max(b, d)) << pair;
+                    EXPECT_EQ(found(0, 1), 0.0) << pair;
+                }
 }
 
 // Anisotropy of 1e8: a ratio of 1e16 of the eigenvalues, in frames that double can still hold.

@@ -17,7 +17,7 @@ constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan_value = std::numeric_limits<double>::quiet_NaN();
 const basis unit_axes(1, 0, 0, 0, 1, 0);
 
-TEST(MetricIsoToAniso, HasTheInverseSquareOfTheSizeOnTheDiagonal)
+TEST(MetricIsoToAniso, OfSizeTwoHasAQuarterOnTheDiagonal)
 {
     S2 flat(9, 9, 9);
     metric_iso_to_aniso(2.0, flat);
@@ -29,7 +29,7 @@ TEST(MetricIsoToAniso, HasTheInverseSquareOfTheSizeOnTheDiagonal)
     EXPECT_EQ(solid, S3(1.0 / 9, 0, 1.0 / 9, 0, 0, 1.0 / 9));
 }
 
-TEST(MetricIsoToAniso, IsZeroForWhatIsNoSize)
+TEST(MetricIsoToAniso, OfZeroOfNegativeAndOfWhatIsNoSizeIsZero)
 {
     for (const double h : {0.0, -0.0, -2.0, -inf, inf, nan_value}) {
         S2 flat(9, 9, 9);
@@ -74,7 +74,7 @@ TEST(MetricAniso3dToAniso2d, IsTheTensorBetweenTheVectorsOfTheBasis)
     EXPECT_EQ(M, S2(15 + 24 + 27 * 3, 7 + 8 + 8 * 3, -7 + 8 * 2));
 }
 
-TEST(EigenPairs, GivesTheEigenvaluesInAscendingOrder)
+TEST(EigenPairs, GivesOneTwiceForTheIdentityAndOneAndThreeForDiagonalThreeAndOne)
 {
     V2 flat;
     eigen_pairs(S2(1, 0, 1), flat, matrix_fixed<double, 2, 2>());
@@ -121,9 +121,10 @@ TEST_P(Validity, OfDiagonalTensorsInEveryOrder)
 
 INSTANTIATE_TEST_SUITE_P(
     IsValidMetric, Validity,
-    testing::Values(validity{"unit", 1, 1, true}, validity{"ratio_below", 1e-25, 1, false},
-                    validity{"ratio_above", 1e-23, 1, true}, validity{"ratio_in_other_units", 1e-3, 1e20, true},
-                    validity{"ratio_below_in_other_units", 1e-5, 1e20, false}, validity{"zero", 0, 1, false},
+    testing::Values(validity{"unit", 1, 1, true}, validity{"ratio_1e_minus_25", 1e-25, 1, false},
+                    validity{"ratio_1e_minus_23", 1e-23, 1, true},
+                    validity{"ratio_1e_minus_23_in_other_units", 1e-3, 1e20, true},
+                    validity{"ratio_1e_minus_25_in_other_units", 1e-5, 1e20, false}, validity{"zero", 0, 1, false},
                     validity{"negative", -1, 1, false}, validity{"slightly_negative", -1e-20, 1, false},
                     validity{"nothing", 0, 0, false}, validity{"both_negative", -1, -1, false},
                     validity{"tiny", 1e-200, 1e-200, true}, validity{"huge", 1e200, 1e200, true},

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "quality/recording_histogram.h"
 #include "support/failing_memory.h"
 #include "support/matrices.h"
 
@@ -12,13 +13,6 @@ using test::points;
 namespace {
 
 const dense2D<double> unit_square = points({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-
-struct counter : zeb::misc::histogram {
-    std::vector<std::uint64_t> sizes;
-
-    void process(const dense1D<double>& values) override { sizes.push_back(values.size); }
-    void process(double) override { sizes.push_back(1); }
-};
 
 TEST(ShapeQualities, WithoutMemoryReportItAndAreEmpty)
 {
@@ -50,14 +44,14 @@ TEST(ShapeQualities, WithoutMemoryLeaveTheHistogramAlone)
     const auto types = test::types({EL_QUAD4});
     for (const bool one_matrix : {true, false}) {
         test::for_each_failure([&](test::attempt& attempt) {
-            counter h;
-            h.sizes.reserve(1);
+            test::recording_histogram h(2);
             const int code = attempt([&] {
                 return one_matrix ? shape_qualities(unit_square, squares, EL_QUAD4, h)
                                   : shape_qualities(unit_square, &squares, &squares + 1, types, h);
             });
             EXPECT_EQ(code, attempt.failed() ? -199 : 0);
-            EXPECT_EQ(h.sizes, attempt.failed() ? std::vector<std::uint64_t>() : std::vector<std::uint64_t>{2});
+            EXPECT_EQ(h.vectors, attempt.failed() ? 0 : 1);
+            EXPECT_EQ(h.values, attempt.failed() ? std::vector<double>() : (std::vector<double>{1, -1}));
         });
     }
 }
@@ -82,14 +76,13 @@ TEST(EdgeQualities, WithoutMemoryReportItAndMeasureNothing)
     const dense1D<float> sizes(4, 1.0f);
     for (const bool one_matrix : {true, false}) {
         test::for_each_failure([&](test::attempt& attempt) {
-            counter h;
-            h.sizes.reserve(4);
+            test::recording_histogram h(4);
             const int code = attempt([&] {
                 return one_matrix ? edge_qualities(unit_square, square, EL_QUAD4, sizes, h)
                                   : edge_qualities(unit_square, &square, &square + 1, types, sizes, h);
             });
             EXPECT_EQ(code, attempt.failed() ? -199 : 0);
-            EXPECT_EQ(h.sizes.size(), attempt.failed() ? 0u : 4u);
+            EXPECT_EQ(h.values.size(), attempt.failed() ? 0u : 4u);
         });
     }
 }

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cmath>
 #include <functional>
@@ -9,6 +8,7 @@
 #include "spatial/tree_model.h"
 #include "support/failing_memory.h"
 #include "support/matrices.h"
+#include "support/small_stack.h"
 
 // Nodes that make a tree as deep as it has records: everything has to end soon, on a small stack.
 
@@ -16,30 +16,15 @@ namespace {
 
 using namespace zeb::tessolv;
 using test::indices;
+using test::run_on_small_stack;
 using zeb::dense1D;
 using zeb::dense2D;
 
 using point3 = zeb::vector_fixed<double, 3>;
 
-constexpr unsigned million = 1000000;
 constexpr unsigned many = 200000;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
-
-void run_on_small_stack(const std::function<void()>& body)
-{
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 65536), 0);
-    pthread_t thread;
-    const auto start = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, start, const_cast<std::function<void()>*>(&body)), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 // Nodes that enter a tree in the order of the positions: node order[i] is the i-th to be inserted.
 dense2D<double> inserted_as(unsigned count, const std::function<point3(unsigned)>& position)
@@ -61,7 +46,7 @@ struct hostile {
 };
 
 const hostile hostile_nodes[] = {
-    {"one_place", [] { return test::filled(3, million, 0.5); }},
+    {"one_place", [] { return test::filled(3, many, 0.5); }},
     {"a_line",
      [] {
          dense2D<double> pos(3, many, 2.0);

@@ -4,7 +4,7 @@
 
 #include "spatial/random_points.h"
 #include "spatial/tree_model.h"
-#include "support/matrices.h"
+#include "support/stored_call.h"
 
 // Detectors over random nodes against the tree as it is defined: equal distances and coincident nodes abound.
 
@@ -45,7 +45,7 @@ std::vector<unsigned> find_in_box(const node_detector& detector, const model::po
 }
 
 void expect_same_answers(const node_detector& detector, const model::tree& expected, const dense2D<double>& pos,
-                         test::random_source& random, bool odd_values)
+                         test::random_source& random, bool odd_values, unsigned every = 1)
 {
     ASSERT_EQ(detector.size(), expected.size());
     const auto query = [&] {
@@ -60,7 +60,7 @@ void expect_same_answers(const node_detector& detector, const model::tree& expec
         expected.find_in_box(P, Q, hits);
         ASSERT_EQ(find_in_box(detector, P, Q), hits);
     }
-    for (unsigned node = 0; node < pos.cols; ++node)
+    for (unsigned node = 0; node < pos.cols; node += every)
         ASSERT_EQ(detector.find_closest(node), expected.find_closest_to(node)) << node;
     const double most = std::numeric_limits<double>::infinity();
     std::vector<unsigned> hits;
@@ -76,7 +76,9 @@ TEST_P(NodeDetectorModel, AgreesOverAllColumns)
         SCOPED_TRACE(seed);
         test::random_source random(seed);
         const bool odd = seed % 4 == 3;
-        const dense2D<double> pos = test::random_points(random, GetParam(), 1 + random.below(60), odd);
+        test::storeroom store;
+        const dense2D<double> pos = store.hold(test::random_points(random, GetParam(), 1 + random.below(60), odd),
+                                               test::every_storage[random.below(4)]);
         model::tree expected(pos);
         expected.insert(all_columns(pos));
         expect_same_answers(node_detector(pos), expected, pos, random, odd);
@@ -90,7 +92,9 @@ TEST_P(NodeDetectorModel, AgreesAfterSeveralInsertionsOfLists)
         SCOPED_TRACE(seed);
         test::random_source random(seed);
         const bool odd = seed % 4 == 3;
-        const dense2D<double> pos = test::random_points(random, GetParam(), 1 + random.below(40), odd);
+        test::storeroom store;
+        const dense2D<double> pos = store.hold(test::random_points(random, GetParam(), 1 + random.below(40), odd),
+                                               test::every_storage[random.below(4)]);
         const unsigned bound = static_cast<unsigned>(pos.cols);
         model::tree expected(pos);
         node_detector detector(pos, dense1D<unsigned>());
@@ -123,6 +127,20 @@ TEST_P(NodeDetectorModel, AgreesAfterTheMatrixHasShrunkAndGrownAgain)
         if (HasFatalFailure()) return;
         pos.resize(pos.rows, cols);
         expect_same_answers(detector, expected, pos, random, false);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST_P(NodeDetectorModel, AgreesOverThousandsOfNodes)
+{
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        SCOPED_TRACE(seed);
+        test::random_source random(seed);
+        const bool odd = seed % 4 == 3;
+        const dense2D<double> pos = test::many_random_points(random, GetParam(), 500 + random.below(1500), odd);
+        model::tree expected(pos);
+        expected.insert(all_columns(pos));
+        expect_same_answers(node_detector(pos), expected, pos, random, odd, 17);
         if (HasFatalFailure()) return;
     }
 }

@@ -50,6 +50,20 @@ inline zeb::dense2D<double> random_points(random_source& random, unsigned rows, 
     return pos;
 }
 
+// Many points: on a fine lattice, in clusters within clusters, on a line, or at a few places.
+inline zeb::dense2D<double> many_random_points(random_source& random, unsigned rows, unsigned cols, bool odd_values)
+{
+    if (random.one_in(4)) return random_points(random, rows, cols, odd_values);
+    const unsigned kind = random.below(3), side = 8 + random.below(60);
+    zeb::dense2D<double> pos(rows, cols, 0.5);
+    for (unsigned j = 0; j < cols; ++j)
+        for (unsigned i = 0; i < (kind == 2 ? 1 : rows); ++i) {
+            double& x = pos(i, j) = random_coordinate(random, side, odd_values);
+            for (double scale = 0.25; kind == 1 && scale > 1e-9; scale /= 8) x += scale * random.below(2);
+        }
+    return pos;
+}
+
 inline std::vector<unsigned> random_nodes(random_source& random, unsigned count, unsigned bound)
 {
     std::vector<unsigned> nodes(bound != 0 ? count : 0);

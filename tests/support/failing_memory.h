@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "support/open_files.h"
+
 // Exhausted memory on demand. A test program that is built with failing_memory.cpp takes every block of the library and
 // of the standard containers from there.
 
@@ -56,8 +58,8 @@ private:
 
 // Runs call(attempt) first with all the memory it wants, then with the nth request failing for every n that it comes
 // to, once and from then on. The call prepares its arguments anew each time, runs the operation through the attempt and
-// expects what belongs to attempt.failed(). Expects besides that nothing is leaked and that a request was refused at
-// all.
+// expects what belongs to attempt.failed(). Expects besides that nothing is leaked, no file is left open and that a
+// request was refused at all.
 //
 //     test::for_each_failure([](test::attempt& attempt) {
 //         dense1D<unsigned> out = indices({3});
@@ -67,11 +69,13 @@ private:
 template <class Call>
 void for_each_failure(Call call)
 {
-    const auto leaves_no_block = [&](attempt& run) {
+    const auto leaves_nothing = [&](attempt& run) {
+        const auto files = open_files();
         const long before = live_blocks();
         call(run);
         if (!testing::Test::HasFailure()) {
             EXPECT_EQ(live_blocks(), before) << "blocks were leaked or freed twice";
+            EXPECT_EQ(open_files(), files) << "a file was left open";
         }
     };
     attempt in_peace(0, false);
@@ -81,7 +85,7 @@ void for_each_failure(Call call)
             SCOPED_TRACE(testing::Message()
                          << "request " << nth << (from_then_on ? " and later ones" : "") << " refused");
             attempt run(nth, from_then_on);
-            leaves_no_block(run);
+            leaves_nothing(run);
             if (!run.failed()) {
                 EXPECT_GT(nth, 1) << "no request was refused";
                 break;

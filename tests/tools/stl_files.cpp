@@ -1,4 +1,5 @@
 #include "tools/stl_files.h"
+#include "support/classic_locale.h"
 
 #include <bit>
 #include <cstdlib>
@@ -22,6 +23,7 @@ std::string little_endian(std::uint32_t value)
 
 std::string text_facet(const facet& f)
 {
+    const classic_locale classic;
     std::ostringstream text;
     text << "  facet normal 0 0 1\n    outer loop\n";
     for (const corner& c : f) text << "      vertex " << c[0] << ' ' << c[1] << ' ' << c[2] << '\n';

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/classic_locale.h"
 #include "tools/stl_files.h"
 
 namespace {
@@ -27,6 +28,7 @@ tool::text_scan scan(const std::string& text)
 unsigned long facets_by_the_runtime(const std::string& text)
 {
     std::FILE* f = fmemopen(const_cast<char*>(text.data()), text.size(), "r");
+    const test::classic_locale classic;
     char line[256];
     double x = 0, y = 0, z = 0;
     unsigned long facets = 0;

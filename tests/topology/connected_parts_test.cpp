@@ -270,6 +270,21 @@ TEST(ReorderingGetConnexParts, LeavesTheNeighboursWhenBothMatricesAreOneObject)
     EXPECT_EQ(offsets, indices({0, 2, 3}));
 }
 
+TEST(ReorderingGetConnexParts, ReadsMatricesOfOneBufferAsTheyWere)
+{
+    // Row 0 holds the elements, rows 1 and 2 their neighbours; the offsets look into the same buffer.
+    auto whole = columns({{5, 2, N}, {6, N, N}, {7, 0, N}});
+    const dense2D<unsigned> as_before = whole;
+    auto connect = whole.sub_matrix(0, 0, 1, 3);
+    auto neighbors = whole.sub_matrix(1, 0, 2, 3);
+    auto offsets = whole.col(0);
+    EXPECT_EQ(get_connex_parts(connect, neighbors, offsets), 0);
+    EXPECT_EQ(connect, columns({{5}, {7}, {6}}));
+    EXPECT_EQ(neighbors, columns({{1, N}, {0, N}, {N, N}}));
+    EXPECT_EQ(offsets, indices({0, 2, 3}));
+    EXPECT_EQ(whole, as_before);
+}
+
 TEST(ReorderingGetConnexParts, AgreesWithTheLiteralQueueOnRandomLinks)
 {
     dice random(42);

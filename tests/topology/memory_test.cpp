@@ -3,16 +3,13 @@
 #include "support/failing_memory.h"
 #include "support/matrices.h"
 #include "support/mesh_builders.h"
+#include "support/recovery.h"
+#include "topology/calls.h"
 
 using namespace zeb::tessolv;
 using namespace test;
 
 namespace {
-
-bool is_empty_throughout(const dense2D<unsigned>& m)
-{
-    return m.size == 0 && m.rows == 0 && m.cols == 0;
-}
 
 const dense2D<unsigned> before = columns({{77, 78}});
 
@@ -144,13 +141,25 @@ TEST(Memory, CopyEdgesLeavesItsOutput)
     });
 }
 
+class TopologyCall : public testing::TestWithParam<stored_call> {};
+
+TEST_P(TopologyCall, SaysThatMemoryEndsAndSucceedsAfterwards)
+{
+    expect_recovery(GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Memory, TopologyCall, testing::ValuesIn(topology_calls),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 TEST(Memory, RefusedCallsNeedNone)
 {
     const auto bad = columns({{0, 1, N}});
     dense2D<unsigned> out = before;
+    dense1D<unsigned> ancestors;
     attempt run(1, true);
     EXPECT_EQ(run([&] { return get_neighbors(bad, EL_TRIA3, true, out); }), -1);
     EXPECT_EQ(run([&] { return get_boundaries(bad, bad, EL_TRIA3, out); }), -1);
+    EXPECT_EQ(run([&] { return get_ancestors(bad, ancestors); }), -1);
     EXPECT_EQ(run([&] { return copy_edges(bad, EL_TRIA3, out); }), -1);
     EXPECT_EQ(out, before);
 }

@@ -7,6 +7,13 @@ namespace zeb {
 namespace lapack {
 
 /// Eigenvalues and, on request, eigenvectors of a real symmetric matrix in packed storage: LAPACK's DSPEV.
+/// @code
+/// double ap[3] = {2, 1, 2}, w[2], work[6];  // [2 1; 1 2]
+/// long info = 0;
+/// zeb::lapack::dspev('N', 'U', 2, ap, w, nullptr, 1, work, info);  // -> 0
+/// w[0];                                                            // -> 1
+/// w[1];                                                            // -> 3
+/// @endcode
 /// @param jobz      'N' eigenvalues only, 'V' eigenvectors too.
 /// @param uplo      'U' upper triangle in `ap`, 'L' lower triangle.
 /// @param n         order of the matrix.

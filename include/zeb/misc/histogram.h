@@ -8,6 +8,13 @@ namespace misc {
 
 /// Collects values: their number, extremes, mean, standard deviation and counts in bins of equal width. A host may
 /// derive from it to collect statistics of its own; the library calls `process` and nothing else.
+/// @code
+/// zeb::misc::histogram h(0, 1, 4);
+/// for (const double x : {0.1, 0.2, 0.3, 1.0, 1.5}) h.process(x);
+/// h.bins();     // -> (2, 1, 0, 1)
+/// h.above();    // -> 1
+/// h.maximum();  // -> 1.5
+/// @endcode
 class TESSOLV_API histogram {
 public:
     /// 20 bins over [-1, 1], the range of shape qualities.

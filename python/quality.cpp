@@ -1,0 +1,128 @@
+#include "arrays.h"
+#include "module.h"
+
+namespace binding {
+namespace {
+
+using histogram = zeb::misc::histogram;
+
+histogram& histogram_of(const call& c, py::handle value)
+{
+    if (!py::isinstance<histogram>(value)) c.refuse("histogram", "is no Histogram");
+    return value.cast<histogram&>();
+}
+
+// Keeps the values instead of counting them.
+class value_list : public histogram {
+public:
+    void process(double value) override
+    {
+        const std::uint64_t before = values.size;
+        values.push_back(value);
+        complete = complete && values.size != before;
+    }
+    void process(const dense1D<double>& all) override { complete = values.copy(all); }
+
+    dense1D<double> values;
+    bool complete = true;
+};
+
+void measure(call& c, const dense2D<double>& points, connectivities& elements, py::handle type, histogram& h)
+{
+    if (elements.single) {
+        const auto kind = c.type(type, "type");
+        c.translate(lib::shape_qualities(points, *elements.begin(), kind, h));
+    } else {
+        const auto kinds = c.types(type, "type");
+        c.translate(lib::shape_qualities(points, elements.begin(), elements.end(), kinds, h));
+    }
+}
+
+py::object shape_qualities(py::handle pos, py::handle connect, py::handle type, py::handle into)
+{
+    call c("shape_qualities");
+    const auto points = c.matrix<double>(pos, "pos");
+    auto elements = c.connectivity(connect, "connect");
+    if (!into.is_none()) {
+        measure(c, points, elements, type, histogram_of(c, into));
+        return py::reinterpret_borrow<py::object>(into);
+    }
+    dense1D<double> qualities;
+    if (elements.single) {
+        const auto kind = c.type(type, "type");
+        c.checked([&] { return lib::shape_qualities(points, *elements.begin(), kind, qualities); });
+    } else {
+        const auto kinds = c.types(type, "type");
+        c.checked([&] { return lib::shape_qualities(points, elements.begin(), elements.end(), kinds, qualities); });
+    }
+    return handed_over(std::move(qualities));
+}
+
+py::array edge_lengths(py::handle pos, py::handle edges)
+{
+    call c("edge_lengths");
+    const auto points = c.matrix<double>(pos, "pos");
+    const auto lines = c.matrix<index>(edges, "edges");
+    dense2D<double> lengths;
+    c.checked([&] { return lib::edge_lengths(points, lines, lengths); });
+    return handed_over(std::move(lengths), 3);
+}
+
+py::object edge_qualities(py::handle pos, py::handle connect, py::handle type, py::handle sizes, py::handle into)
+{
+    call c("edge_qualities");
+    const auto points = c.matrix<double>(pos, "pos");
+    auto elements = c.connectivity(connect, "connect");
+    const auto wanted = c.vector<float>(sizes, "sizes");
+    const auto kinds = elements.single ? dense1D<int>(1, c.type(type, "type")) : c.types(type, "type");
+    const auto feed = [&](histogram& h) {
+        return lib::edge_qualities(points, elements.begin(), elements.end(), kinds, wanted, h);
+    };
+    if (!into.is_none()) {
+        c.translate(feed(histogram_of(c, into)));
+        return py::reinterpret_borrow<py::object>(into);
+    }
+    value_list list;
+    c.checked([&] { return feed(list); });
+    if (!list.complete) throw std::bad_alloc();
+    return handed_over(std::move(list.values));
+}
+
+void process(histogram& h, py::handle values)
+{
+    call c("Histogram.process");
+    const py::array given = py::array::ensure(values);
+    if (!given) {
+        PyErr_Clear();
+        c.refuse("values", "is no array");
+    }
+    if (given.ndim() == 0) {
+        h.process(c.numbers(given, 1, "values").front());
+    } else {
+        h.process(c.vector<double>(given, "values"));
+    }
+}
+
+}  // namespace
+
+void define_quality(py::module_& m)
+{
+    m.def("shape_qualities", &shape_qualities);
+    m.def("edge_lengths", &edge_lengths);
+    m.def("edge_qualities", &edge_qualities);
+    py::class_<histogram>(m, "Histogram", py::is_final())
+        .def(py::init<double, double, unsigned int>(), py::arg("lower") = -1.0, py::arg("upper") = 1.0,
+             py::arg("bins") = 20u)
+        .def("process", &process, py::arg("values"))
+        .def_property_readonly("count", &histogram::count)
+        .def_property_readonly("minimum", &histogram::minimum)
+        .def_property_readonly("maximum", &histogram::maximum)
+        .def_property_readonly("mean", &histogram::mean)
+        .def_property_readonly("standard_deviation", &histogram::standard_deviation)
+        .def_property_readonly("bins", [](const histogram& h) { return handed_over(h.bins()); })
+        .def_property_readonly("below", &histogram::below)
+        .def_property_readonly("above", &histogram::above)
+        .def_property_readonly("not_a_number", &histogram::not_a_number);
+}
+
+}  // namespace binding

@@ -1,0 +1,327 @@
+#include "spatial/cell_grid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace zeb::tessolv {
+namespace {
+
+constexpr double nodes_per_cell = 2;
+constexpr std::size_t fewest_nodes = 256;       // of less a walk is short
+constexpr unsigned int longest_side = 1 << 14;  // in cells, so that floats tell a thousandth of one
+constexpr double most_crowded = 64;             // nodes that share a cell with a node, on average
+constexpr double extreme = 1e100;               // squares of coordinates neither overflow nor vanish
+constexpr float far_away = 1e30f;
+
+template <std::size_t D>
+float squared_distance(const std::array<float, D>& a, const std::array<float, D>& b)
+{
+    float sum = 0;
+    for (std::size_t d = 0; d < D; ++d) sum += (a[d] - b[d]) * (a[d] - b[d]);
+    return sum;
+}
+
+template <int D>
+bool bound(const scratch<tree_record<D>>& records, box<D>& b)
+{
+    b = {records[0].x, records[0].x};
+    bool are_numbers = true;
+    for (const tree_record<D>& record : records)
+        for (int d = 0; d < D; ++d) {
+            b.lower[d] = std::min(b.lower[d], record.x[d]);
+            b.upper[d] = std::max(b.upper[d], record.x[d]);
+            are_numbers &= std::abs(record.x[d]) < extreme;
+        }
+    return are_numbers;
+}
+
+// The width that makes `cells` cubic cells of a box, whose flat sides count for one cell.
+template <int D>
+double cell_width(const point<D>& extent, double cells)
+{
+    point<D> sides = extent;
+    std::sort(sides.begin(), sides.end());
+    for (int flat = 0; flat < D; ++flat) {
+        double content = 1;
+        for (int d = flat; d < D; ++d) content *= sides[d] / sides[D - 1];
+        const double width = sides[D - 1] * std::pow(content / cells, 1.0 / (D - flat));
+        if (sides[flat] > width) return width;
+    }
+    return 0;
+}
+
+// The record of a set that the walk for P meets first: in descent() one on the way of P into the tree, in search() the
+// record itself, the side of P, the other side. Positions in preorder, ascending.
+template <int D>
+unsigned int first_met(const scratch<tree_record<D>>& records, const unsigned int* first, const unsigned int* last,
+                       const point<D>& P)
+{
+    const unsigned int* begin = first;
+    const unsigned int* end = last;
+    int d = 0;
+    for (unsigned int r = 0; begin != end && r != NONE_INDEX; d = next_dimension<D>(d)) {
+        if (*begin == r) return r;
+        const bool is_left = goes_left(records[r].x[d], P[d]);
+        const unsigned int* middle = std::lower_bound(begin, end, records[r].right);
+        (is_left ? end : begin) = middle;
+        r = is_left ? records[r].left : records[r].right;
+    }
+    begin = first;
+    end = last;
+    d = 0;
+    for (unsigned int r = 0;; d = next_dimension<D>(d)) {
+        if (*begin == r) return r;
+        const unsigned int* middle = std::lower_bound(begin, end, records[r].right);
+        const bool left_is_near = records[r].x[d] >= P[d];
+        const bool is_left = middle == end || (middle != begin && left_is_near);
+        (is_left ? end : begin) = middle;
+        r = is_left ? records[r].left : records[r].right;
+    }
+}
+
+}  // namespace
+
+template <int D>
+bool cell_grid<D>::build(const table& records)
+{
+    starts_.clear();
+    entries_.clear();
+    if (records.size() < fewest_nodes || !choose_cells(records)) return true;
+    return enter(records);
+}
+
+template <int D>
+bool cell_grid<D>::choose_cells(const table& records)
+{
+    box<D> b;
+    if (!bound(records, b)) return false;
+    point<D> extent;
+    double largest = 0;
+    for (int d = 0; d < D; ++d) {
+        extent[d] = b.upper[d] - b.lower[d];
+        largest = std::max({largest, std::abs(b.lower[d]), std::abs(b.upper[d])});
+    }
+    const double width = cell_width<D>(extent, static_cast<double>(records.size()) / nodes_per_cell);
+    if (!(width > 1 / extreme)) return false;
+    lower_ = b.lower;
+    cells_per_unit_ = 1 / width;
+    unsigned int longest = 0;
+    for (int d = 0; d < D; ++d) {
+        const double side = extent[d] * cells_per_unit_;
+        if (!(side < longest_side - 1)) return false;
+        shape_[d] = static_cast<unsigned int>(side) + 1;
+        longest = std::max(longest, shape_[d]);
+    }
+    const double rounding = largest * 0x1p-49;
+    blur_exact_ = rounding;
+    blur_ = longest * 0x1p-21 + rounding * cells_per_unit_;
+    return blur_ < 0.02;
+}
+
+// Sorts the records by cell, those of a cell in ascending order.
+template <int D>
+bool cell_grid<D>::enter(const table& records)
+{
+    std::size_t cells = 1;
+    for (const unsigned int side : shape_) cells *= side;
+    if (!starts_.allocate(cells + 2, 0)) return false;
+    double company = 0;
+    for (const tree_record<D>& record : records) company += 2 * starts_[cell_at(in_cells(record.x)) + 2]++ + 1;
+    if (company > most_crowded * static_cast<double>(records.size())) return true;
+    if (!entries_.allocate(records.size())) return false;
+    for (std::size_t c = 2; c < starts_.size(); ++c) starts_[c] += starts_[c - 1];
+    for (unsigned int r = 0; r < records.size(); ++r) {
+        const point<D> u = in_cells(records[r].x);
+        entry& entered = entries_[starts_[cell_at(u) + 1]++];
+        for (int d = 0; d < D; ++d) entered.u[d] = static_cast<float>(u[d]);
+        entered.record = r;
+    }
+    starts_.truncate(cells + 1);
+    return true;
+}
+
+template <int D>
+point<D> cell_grid<D>::in_cells(const point<D>& x) const
+{
+    point<D> u;
+    for (int d = 0; d < D; ++d) u[d] = (x[d] - lower_[d]) * cells_per_unit_;
+    return u;
+}
+
+// Of a point in the grid.
+template <int D>
+std::uint64_t cell_grid<D>::cell_at(const point<D>& u) const
+{
+    std::uint64_t cell = 0;
+    for (int d = D - 1; d >= 0; --d) cell = cell * shape_[d] + std::min(static_cast<unsigned int>(u[d]), shape_[d] - 1);
+    return cell;
+}
+
+// The cells that may hold points of a box, also those that were rounded into a cell or out of it.
+template <int D>
+typename cell_grid<D>::cell_range cell_grid<D>::cells_between(const point<D>& lower, const point<D>& upper) const
+{
+    const auto nearest_cell = [this](double u, int d) {
+        return static_cast<unsigned int>(std::clamp(u, 0.0, shape_[d] - 1.0));
+    };
+    cell_range cells;
+    for (int d = 0; d < D; ++d) {
+        cells.first[d] = nearest_cell(lower[d] - blur_, d);
+        cells.last[d] = nearest_cell(upper[d] + blur_, d);
+    }
+    return cells;
+}
+
+// Cells that are next to one another in x are one run of entries.
+template <int D>
+template <class Visit>
+void cell_grid<D>::visit(const cell_range& cells, Visit visit_run) const
+{
+    const auto visit_row = [&](std::uint64_t row) {
+        const std::uint64_t begin = row * shape_[0];
+        visit_run(starts_[begin + cells.first[0]], starts_[begin + cells.last[0] + 1]);
+    };
+    for (std::uint64_t y = cells.first[1]; y <= cells.last[1]; ++y)
+        if constexpr (D == 2)
+            visit_row(y);
+        else
+            for (std::uint64_t z = cells.first[2]; z <= cells.last[2]; ++z) visit_row(z * shape_[1] + y);
+}
+
+template <int D>
+typename cell_grid<D>::nearest cell_grid<D>::nearest_within(const table& records, const query& q, double radius) const
+{
+    const float here = static_cast<float>(blur_ * blur_);
+    nearest found{far_away, far_away, NONE_INDEX};
+    point<D> lower;
+    point<D> upper;
+    for (int d = 0; d < D; ++d) {
+        lower[d] = q.u[d] - radius;
+        upper[d] = q.u[d] + radius;
+    }
+    visit(cells_between(lower, upper), [&](unsigned int begin, unsigned int end) {
+        for (unsigned int i = begin; i < end; ++i) {
+            const entry& e = entries_[i];
+            const float square = squared_distance(e.u, q.v);
+            if (q.excluded != NONE_INDEX && square <= here && records[e.record].node == q.excluded) continue;
+            // Without branches, which nobody could foresee.
+            found.next_square = std::min(found.next_square, std::max(found.square, square));
+            found.record = square < found.square ? e.record : found.record;
+            found.square = std::min(found.square, square);
+        }
+    });
+    return found;
+}
+
+template <int D>
+bool cell_grid<D>::find_closest(const table& records, const point<D>& P, unsigned int excluded,
+                                unsigned int& closest) const
+{
+    constexpr double usual_radius = 0.75;  // holds the closest of evenly spread nodes 97 times of 100
+    constexpr double largest_radius = 6;
+    query q{P, in_cells(P), {}, excluded};
+    for (int d = 0; d < D; ++d) {
+        if (!(std::abs(q.u[d]) < 2.0 * longest_side)) return false;
+        q.v[d] = static_cast<float>(q.u[d]);
+    }
+    for (double radius = usual_radius; radius < largest_radius;) {
+        const nearest found = nearest_within(records, q, radius);
+        const double reach = std::sqrt(static_cast<double>(found.square)) + 4 * blur_;
+        if (reach > radius) {
+            radius = found.record == NONE_INDEX ? 2 * radius : reach * (1 + 0x1p-20);
+            continue;
+        }
+        if (static_cast<double>(found.next_square) <= reach * reach) return settle_tie(records, q, reach, closest);
+        closest = records[found.record].node;
+        return closest != excluded;
+    }
+    return false;
+}
+
+// Exact distances decide between nodes that floats cannot tell apart.
+template <int D>
+bool cell_grid<D>::settle_tie(const table& records, const query& q, double reach, unsigned int& closest) const
+{
+    struct {
+        std::array<unsigned int, 64> record;
+        std::size_t count = 0;
+    } close;
+    point<D> lower;
+    point<D> upper;
+    for (int d = 0; d < D; ++d) {
+        lower[d] = q.u[d] - reach;
+        upper[d] = q.u[d] + reach;
+    }
+    const float limit = static_cast<float>(reach * reach * (1 + 0x1p-20));
+    visit(cells_between(lower, upper), [&](unsigned int begin, unsigned int end) {
+        for (unsigned int i = begin; i < end; ++i) {
+            if (squared_distance(entries_[i].u, q.v) > limit || records[entries_[i].record].node == q.excluded)
+                continue;
+            if (close.count < close.record.size()) close.record[close.count] = entries_[i].record;
+            ++close.count;
+        }
+    });
+    if (close.count == 0 || close.count > close.record.size()) return false;
+
+    const auto square_of = [&](unsigned int r) { return squared_distance(records[r].x, q.P); };
+    unsigned int* const first = close.record.data();
+    unsigned int* const last = first + close.count;
+    double least = square_of(*first);
+    for (const unsigned int* r = first; r != last; ++r) least = std::min(least, square_of(*r));
+    const auto is_close = [&](unsigned int r) { return square_of(r) == least; };
+    unsigned int* const end = std::partition(first, last, is_close);
+    // Those a little farther away may hide a closer one from the walk, by rounding.
+    const double doubtful = std::sqrt(least) * (1 + 0x1p-48) + blur_exact_;
+    if (std::any_of(end, last, [&](unsigned int r) { return !(std::sqrt(square_of(r)) > doubtful); })) return false;
+    std::sort(first, end);
+    closest = records[first_met<D>(records, first, end, q.P)].node;
+    return true;
+}
+
+template <int D>
+bool cell_grid<D>::find_in_box(const table& records, const box<D>& b, dense1D<unsigned int>& nodes) const
+{
+    constexpr std::uint64_t most_cells = 512;
+    std::array<unsigned int, 256> hits;
+    std::size_t count = 0;
+    const point<D> lower = in_cells(b.lower);
+    const point<D> upper = in_cells(b.upper);
+    std::uint64_t cell_count = 1;
+    for (int d = 0; d < D; ++d)
+        if (!(lower[d] <= upper[d] && std::abs(b.lower[d]) < extreme && std::abs(b.upper[d]) < extreme)) return false;
+    const cell_range cells = cells_between(lower, upper);
+    for (int d = 0; d < D; ++d) cell_count *= cells.last[d] - cells.first[d] + 1;
+    if (cell_count > most_cells) return false;
+
+    float_point outer_lower, outer_upper, inner_lower, inner_upper;
+    for (int d = 0; d < D; ++d) {
+        outer_lower[d] = static_cast<float>(lower[d] - blur_);
+        outer_upper[d] = static_cast<float>(upper[d] + blur_);
+        inner_lower[d] = static_cast<float>(lower[d] + blur_);
+        inner_upper[d] = static_cast<float>(upper[d] - blur_);
+    }
+    visit(cells, [&](unsigned int begin, unsigned int end) {
+        for (unsigned int i = begin; i < end; ++i) {
+            const entry& e = entries_[i];
+            bool may_be_hit = true;
+            bool is_hit = true;
+            for (int d = 0; d < D; ++d) {
+                may_be_hit &= outer_lower[d] <= e.u[d] && e.u[d] <= outer_upper[d];
+                is_hit &= inner_lower[d] <= e.u[d] && e.u[d] <= inner_upper[d];
+            }
+            if (!may_be_hit || (!is_hit && !b.contains(records[e.record].x))) continue;
+            if (count < hits.size()) hits[count] = e.record;
+            ++count;
+        }
+    });
+    if (count > hits.size()) return false;
+    std::sort(hits.begin(), hits.begin() + count, std::greater<>());
+    for (std::size_t k = 0; k < count; ++k) nodes.push_back(records[hits[k]].node);  // lost without memory, one by one
+    return true;
+}
+
+template class cell_grid<2>;
+template class cell_grid<3>;
+
+}  // namespace zeb::tessolv

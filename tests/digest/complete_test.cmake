@@ -1,0 +1,32 @@
+# The digest calls every operation that the library exports, and prints the same lines whenever it is run.
+# cmake -DDIGEST=... -DLIST=... -P complete_test.cmake
+cmake_minimum_required(VERSION 3.25)
+find_program(nm nm REQUIRED)
+
+execute_process(COMMAND ${nm} --dynamic --demangle --undefined-only ${DIGEST} OUTPUT_VARIABLE called RESULT_VARIABLE code)
+if(NOT code EQUAL 0)
+  message(FATAL_ERROR "nm failed")
+endif()
+# Containers are inlined where the compiler likes; all others are calls.
+file(STRINGS ${LIST} operations REGEX "^zeb::(tessolv|lapack|misc)::")
+set(operation_count 0)
+foreach(operation IN LISTS operations)
+  string(FIND "${called}" " ${operation}\n" place)
+  if(place EQUAL -1)
+    message(SEND_ERROR "The digest does not call ${operation}")
+  endif()
+  math(EXPR operation_count "${operation_count} + 1")
+endforeach()
+if(operation_count LESS 100)
+  message(FATAL_ERROR "Only ${operation_count} operations in ${LIST}")
+endif()
+
+foreach(run 1 2)
+  execute_process(COMMAND ${DIGEST} OUTPUT_VARIABLE lines_${run} RESULT_VARIABLE code ERROR_VARIABLE messages)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "The digest failed (${code}):\n${messages}")
+  endif()
+endforeach()
+if(NOT lines_1 STREQUAL lines_2)
+  message(FATAL_ERROR "Two runs of the digest differ:\n${lines_1}\n${lines_2}")
+endif()
