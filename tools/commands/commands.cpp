@@ -7,6 +7,11 @@ std::span<const command> all_commands()
     static constexpr command commands[] = {
         {"info", "tells what a mesh file holds", declare_info},
         {"check", "says whether a mesh is sound, and what is wrong with it", declare_check},
+        {"quality", "measures the shapes of the elements", declare_quality},
+        {"weld", "makes one node of those that coincide", declare_weld},
+        {"clean", "removes degenerate and duplicate elements and unused nodes", declare_clean},
+        {"boundary", "writes the faces of one element as a mesh", declare_boundary},
+        {"parts", "tells connected parts apart", declare_parts},
         {"convert", "writes a mesh in another format", declare_convert},
     };
     return commands;

@@ -17,9 +17,6 @@ namespace {
 
 using places = std::vector<std::uint64_t>;
 
-// A solid, face or line whose relative size is below this has none but for rounding.
-constexpr double no_size = 1e-12;
-
 class examiner {
 public:
     // `origin` gives the place of each element in the mesh that was asked for; empty: the same.
@@ -79,7 +76,7 @@ private:
                     repeated.push_back(place);
                 else if (std::isnan(qualities[e]))
                     continue;
-                else if (std::fabs(sizes[e]) <= no_size)
+                else if (std::fabs(sizes[e]) <= no_relative_size)
                     degenerate.push_back(place);
                 else if (qualities[e] < 0)
                     inverted.push_back(place);

@@ -156,18 +156,20 @@ double finite_box::diagonal() const
     return std::hypot(max[0] - min[0], max[1] - min[1], max[2] - min[2]);
 }
 
+void finite_box::enclose(const mesh& m, std::uint64_t node)
+{
+    const vector p = point_of(m, static_cast<unsigned int>(node));
+    if (!std::ranges::all_of(p, [](double x) { return std::isfinite(x); })) return;
+    for (std::size_t k = 0; k < 3; ++k) {
+        min[k] = std::min(min[k], p[k]);
+        max[k] = std::max(max[k], p[k]);
+    }
+}
+
 finite_box box_of(const mesh& m)
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    finite_box box{{infinity, infinity, infinity}, {-infinity, -infinity, -infinity}};
-    for (std::uint64_t j = 0; j < m.pos.cols; ++j) {
-        const vector p = point_of(m, static_cast<unsigned int>(j));
-        if (!std::ranges::all_of(p, [](double x) { return std::isfinite(x); })) continue;
-        for (std::size_t k = 0; k < 3; ++k) {
-            box.min[k] = std::min(box.min[k], p[k]);
-            box.max[k] = std::max(box.max[k], p[k]);
-        }
-    }
+    finite_box box;
+    for (std::uint64_t j = 0; j < m.pos.cols; ++j) box.enclose(m, j);
     return box;
 }
 
