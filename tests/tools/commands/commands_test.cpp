@@ -241,6 +241,89 @@ TEST_F(commands, QualityShowsInvertedHexahedraAsMinusOne)
     EXPECT_EQ(cell_values(written, "quality"), (values{-1}));
 }
 
+TEST_F(commands, EdgesAreAMeshOfLinesWithTheirLengths)
+{
+    const tool::mesh m = mesh_by_hand({O, X, XY, {0, 2, 0}}).with(zeb::EL_TRIA3, {{0, 1, 2}, {0, 2, 3}});
+    const auto [told, written] = run("edges", m);
+    EXPECT_EQ(told["edges"], 5);
+    EXPECT_EQ(told["min"], 1.0);
+    EXPECT_EQ(told["max"], 2.0);
+    EXPECT_EQ(elements_of(written), (std::vector<nodes>{{1, 2}, {0, 2}, {0, 1}, {2, 3}, {0, 3}}));
+    EXPECT_EQ(cell_values(written, "length")[4], 2.0);
+}
+
+TEST_F(commands, NeighborsMeetWhateverTheirKinds)
+{
+    const auto [told, m] = run("neighbors", house());
+    EXPECT_EQ(told["links"], 1);
+    EXPECT_EQ(told["free_faces"], 9);
+    EXPECT_EQ(cell_values(m, "neighbours"), (values{1, 1}));
+    const std::string list = tessolv({"neighbors", folder.path("in.vtu"), "--quiet", "--list", "-"}).out;
+    EXPECT_EQ(list, "element,neighbours across its faces\npyramid 0,hexahedron 1,,,,\nhexahedron 1,,,,,,pyramid 0\n");
+}
+
+TEST_F(commands, TransformScalesThenTurnsThenMoves)
+{
+    const tool::mesh m = mesh_by_hand({O, X, Y}).with(zeb::EL_TRIA3, {{0, 1, 2}});
+    const tool::mesh moved =
+        run("transform", m, {"--scale", "2", "--angle", "90", "--axis", "0", "0", "5", "--translate", "10", "-1", "3"})
+            .mesh;
+    EXPECT_NEAR(moved.pos(0, 1), 10, 1e-12);
+    EXPECT_NEAR(moved.pos(1, 1), 1, 1e-12);
+    EXPECT_NEAR(moved.pos(0, 2), 8, 1e-12);
+    EXPECT_NEAR(moved.pos(1, 2), -1, 1e-12);
+    EXPECT_EQ(moved.pos(2, 0), 3);
+    const tool::mesh about = run("transform", m, {"--scale", "3", "--centre", "1", "0", "0"}).mesh;
+    EXPECT_EQ(about.pos(0, 0), -2);
+    EXPECT_EQ(about.pos(0, 1), 1);
+}
+
+TEST_F(commands, TransformLeavesAPlaneMeshInItsPlane)
+{
+    tool::write_mesh(mesh_by_hand({O, X, Y}, 2).with(zeb::EL_TRIA3, {{0, 1, 2}}), folder.path("in.mesh"));
+    const auto rows = [&](const strings& more) {
+        strings arguments{"transform", folder.path("in.mesh"), "--output", folder.path("out.mesh"), "--quiet"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(tessolv(arguments).status, 0);
+        return tool::read_mesh(tool::source::open(folder.path("out.mesh"))).pos.rows;
+    };
+    EXPECT_EQ(rows({"--translate", "1", "0", "0"}), 2u);
+    EXPECT_EQ(rows({"--translate", "1", "0", "2"}), 3u);
+}
+
+TEST_F(commands, TransformRefusesWhatDoesNotGoTogether)
+{
+    const std::string path = file(torn_square());
+    for (const strings& wrong : {strings{"--angle", "3"},
+                                 {"--axis", "0", "0", "1"},
+                                 {"--scale", "0"},
+                                 {"--angle", "3", "--axis", "0", "0", "0"},
+                                 {"--translate", "1", "2"},
+                                 {"--scale", "nan"}}) {
+        strings arguments{"transform", path};
+        arguments.insert(arguments.end(), wrong.begin(), wrong.end());
+        EXPECT_EQ(tessolv(arguments).status, 2) << wrong[0];
+    }
+}
+
+TEST_F(commands, ClipKeepsWhatLiesOnOneSideOfAPlane)
+{
+    const auto [told, m] = run("clip", two_parts(), {"--point", "4.5", "0", "0", "--normal", "1", "0", "0"});
+    EXPECT_EQ(told["elements"], 4);
+    EXPECT_EQ(told["kept"], 2);
+    EXPECT_EQ(m.pos.cols, 3u);
+    EXPECT_EQ(elements_of(m, 0), (std::vector<nodes>{{0, 1}}));
+    EXPECT_EQ(elements_of(m, 1), (std::vector<nodes>{{0, 1, 2}}));
+    const auto other = run("clip", two_parts(), {"--point", "4.5", "0", "0", "--normal", "-1", "0", "0"});
+    EXPECT_EQ(elements_of(other.mesh), (std::vector<nodes>{{0, 1, 2}, {1, 3, 2}}));
+    const strings nothing{"clip", folder.path("in.vtu"), "--point", "9", "0", "0", "--normal", "1", "0", "0"};
+    EXPECT_EQ(tessolv(nothing).status, 0);
+    strings written = nothing;
+    written.insert(written.end(), {"--output", folder.path("nothing.vtu")});
+    EXPECT_EQ(tessolv(written).status, 4);
+    EXPECT_EQ(tessolv({"clip", folder.path("in.vtu"), "--point", "9", "0", "0"}).status, 2);
+}
+
 class EveryCommand : public testing::TestWithParam<const char*> {};
 
 TEST_P(EveryCommand, RefusesWhatIsNoMeshToWorkWith)
@@ -287,7 +370,9 @@ TEST_P(EveryCommand, SpeaksOnStandardOutputUnlessQuiet)
         EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 
-INSTANTIATE_TEST_SUITE_P(Mesh, EveryCommand, testing::Values("boundary", "clean", "parts", "quality", "weld"),
+INSTANTIATE_TEST_SUITE_P(Mesh, EveryCommand,
+                         testing::Values("boundary", "clean", "edges", "neighbors", "parts", "quality", "transform",
+                                         "weld"),
                          [](const auto& row) { return std::string(row.param); });
 
 }  // namespace
