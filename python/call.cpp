@@ -7,6 +7,9 @@
 #include "arrays.h"
 
 namespace binding {
+
+long unlocked_calls = 0;
+
 namespace {
 
 using flags = py::detail::npy_api::constants;
@@ -27,6 +30,12 @@ template <class T>
 bool holds(const py::array& array)
 {
     return py::detail::npy_api::get().PyArray_EquivTypes_(array.dtype().ptr(), py::dtype::of<T>().ptr());
+}
+
+// Of these NumPy makes an array that nobody else knows.
+bool is_listing(py::handle value)
+{
+    return py::isinstance<py::list>(value) || py::isinstance<py::tuple>(value);
 }
 
 // Rows of adjacent entries one behind the other: the columns of a matrix with a leading dimension.
@@ -218,9 +227,9 @@ py::array call::copied(const py::array& array, std::string_view name) const
     return copy;
 }
 
-py::array call::used(py::array array, bool in_place)
+py::array call::used(py::array array, bool of_others)
 {
-    if (in_place && !is_frozen(array)) exclusive_ = false;
+    if (of_others && !is_frozen(array)) exclusive_ = false;
     kept_.push_back(array);
     return array;
 }
@@ -231,7 +240,7 @@ dense2D<T> call::matrix(py::handle value, std::string_view name)
     const py::array given = array(value, name);
     if (given.ndim() != 2 && !(given.ndim() == 1 && given.size() == 0)) refuse(name, dimensions(given, 2));
     const bool in_place = holds<T>(given) && is_column_major_matrix(given) && !overlaps_out(given);
-    return look_into_matrix<T>(used(in_place ? given : converted<T>(given, name), in_place));
+    return look_into_matrix<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
 }
 
 template <class T>
@@ -240,7 +249,7 @@ dense1D<T> call::vector(py::handle value, std::string_view name)
     const py::array given = array(value, name);
     if (given.ndim() != 1) refuse(name, dimensions(given, 1));
     const bool in_place = holds<T>(given) && is_plain_vector(given) && !overlaps_out(given);
-    return look_into_vector<T>(used(in_place ? given : converted<T>(given, name), in_place));
+    return look_into_vector<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
 }
 
 template <class T>
@@ -260,7 +269,7 @@ namespace {
 // A list of arrays is several matrices; a list of rows is one.
 bool is_several(py::handle value)
 {
-    if (!py::isinstance<py::list>(value) && !py::isinstance<py::tuple>(value)) return false;
+    if (!is_listing(value)) return false;
     for (const py::handle item : value)
         if (!py::isinstance<py::array>(item) || py::reinterpret_borrow<py::array>(item).ndim() == 1) return false;
     return true;
@@ -383,6 +392,10 @@ std::vector<py::ssize_t> shape_of(std::uint64_t rows, std::uint64_t columns)
 template <class T>
 void copy_columns(const dense2D<T>& from, std::uint64_t width, T* to)
 {
+    if (from.rows == width && from.ld == width) {
+        if (!from.empty()) std::memcpy(to, &from(0, 0), from.size * sizeof(T));
+        return;
+    }
     const std::uint64_t common = std::min(width, from.rows);
     for (std::uint64_t j = 0; j < from.cols; ++j, to += width) {
         if (common != 0) std::memcpy(to, &from(0, j), common * sizeof(T));

@@ -40,6 +40,9 @@ struct changed {
     py::object out;  // none for a copy
 };
 
+// How often the interpreter's lock was let go.
+extern long unlocked_calls;
+
 // One call into the library: takes its arguments out of Python objects, keeps them alive, runs it and translates its
 // result. The interpreter's lock is released while the library runs if no other Python object can change an argument:
 // each is an array of freeze(), or was converted, or belongs to the call.
@@ -97,6 +100,7 @@ public:
     auto run(F f)
     {
         if (!exclusive_) return f();
+        ++unlocked_calls;
         const py::gil_scoped_release release;
         return f();
     }
@@ -131,7 +135,7 @@ private:
     py::array fitting_out(py::handle out, const std::vector<py::ssize_t>& shape) const;
     template <class T>
     changed<dense2D<T>> target(dense2D<T> from, std::uint64_t columns, py::handle out);
-    py::array used(py::array array, bool in_place);
+    py::array used(py::array array, bool of_others);
     bool overlaps_out(const py::array& array) const;
     void watch(const py::array& out);
 

@@ -72,6 +72,7 @@ void define_conventions(py::module_& m)
     m.def("is_frozen", &is_frozen);
     m.def("refusals", &refusal_table);
     m.def("held_buffers", [] { return held_buffers; });
+    m.def("unlocked_calls", [] { return unlocked_calls; });
 }
 
 }  // namespace binding

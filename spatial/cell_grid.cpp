@@ -218,7 +218,8 @@ template <int D>
 bool cell_grid<D>::find_closest(const table& records, const point<D>& P, unsigned int excluded,
                                 unsigned int& closest) const
 {
-    constexpr double usual_radius = 0.75;  // holds the closest of evenly spread nodes 97 times of 100
+    constexpr double usual_radius =
+        0.6;  // holds the closest of evenly spread nodes 5 times of 6; with 0.75 queries took a tenth longer
     constexpr double largest_radius = 6;
     query q{P, in_cells(P), {}, excluded};
     for (int d = 0; d < D; ++d) {

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <string>
 
+#include "support/classic_locale.h"
 #include "support/matrices.h"
 
 // A connectivity is empty when rows x columns is 0, whichever of the two it is: every operation then does the same.
@@ -17,6 +18,7 @@ namespace {
 template <class... Values>
 std::string text(const Values&... values)
 {
+    const test::classic_locale classic;
     std::ostringstream out;
     ((out << testing::PrintToString(values) << "; "), ...);
     return out.str();

@@ -5,6 +5,6 @@ settings.register_profile(
     "suite", max_examples=40, deadline=None, database=None, suppress_health_check=list(HealthCheck), derandomize=True
 )
 settings.register_profile(
-    "long", max_examples=2000, deadline=None, database=None, suppress_health_check=list(HealthCheck)
+    "long", max_examples=500, deadline=None, database=None, suppress_health_check=list(HealthCheck)
 )
 settings.load_profile("suite")

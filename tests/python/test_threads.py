@@ -1,5 +1,7 @@
 """The interpreter's lock: let go where nobody can change the arguments, kept elsewhere."""
 
+import contextlib
+import sys
 import threading
 import time
 
@@ -8,31 +10,34 @@ import pytest
 
 import tessolv as ts
 from meshes import grid, shuffled
+from tessolv import _tessolv
 
 BIG = grid(ts.EL_TETRA4, 40)
 FROZEN = BIG._replace(pos=ts.freeze(BIG.pos), connect=ts.freeze(BIG.connect))
 
 
-def turns_of_others(f):
-    """How often another thread gets its turn while f runs, and for how long f runs."""
-    state = {"turns": 0, "on": True}
-    running = threading.Event()
+@contextlib.contextmanager
+def counting_thread():
+    """Another thread that counts the times it gets the lock; nobody is asked to hand it over, it must be let go."""
+    turns, on, running = [0], [True], threading.Event()
 
     def count():
-        while state["on"]:
-            state["turns"] += 1
+        while on[0]:
+            turns[0] += 1
             running.set()
-            time.sleep(0.0005)
+            time.sleep(0.0001)
 
     other = threading.Thread(target=count)
-    other.start()
-    running.wait()
-    before, start = state["turns"], time.perf_counter()
-    f()
-    turns, seconds = state["turns"] - before, time.perf_counter() - start
-    state["on"] = False
-    other.join()
-    return turns, seconds
+    interval = sys.getswitchinterval()
+    sys.setswitchinterval(1e6)
+    try:
+        other.start()
+        running.wait()
+        yield turns
+    finally:
+        on[0] = False
+        sys.setswitchinterval(interval)
+        other.join()
 
 
 CALLS = {
@@ -40,18 +45,45 @@ CALLS = {
     "copy_edges": lambda mesh: ts.copy_edges(mesh.connect, mesh.type),
     "shape_qualities": lambda mesh: ts.shape_qualities(mesh.pos, mesh.connect, mesh.type),
     "merge": lambda mesh: ts.merge(mesh.pos, mesh.connect, 1e-3),
-    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest_to_nodes(mesh.connect[:9000, 0].astype(np.int64)),
+    "NodeDetector": lambda mesh: ts.NodeDetector(mesh.pos).closest(mesh.pos),
 }
+
+
+def unlocked(f):
+    before = _tessolv.unlocked_calls()
+    f()
+    return _tessolv.unlocked_calls() - before
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_the_lock_is_kept_unless_every_array_is_frozen(name):
+    small = shuffled(ts.EL_TETRA4, 3, 1)
+    frozen = small._replace(pos=ts.freeze(small.pos), connect=ts.freeze(small.connect))
+    read_only = small._replace(connect=small.connect.copy())
+    read_only.connect.flags.writeable = False
+    converted = small._replace(pos=small.pos.tolist(), connect=small.connect.astype(np.int64))
+    assert unlocked(lambda: CALLS[name](frozen)) > 0
+    assert unlocked(lambda: CALLS[name](converted)) > 0
+    if name != "NodeDetector":
+        assert unlocked(lambda: CALLS[name](read_only)) == unlocked(lambda: CALLS[name](small)) == 0
+
+
+def test_out_and_histograms_keep_the_lock():
+    mesh = grid(ts.EL_TETRA4, 2)
+    frozen = mesh._replace(pos=ts.freeze(mesh.pos), connect=ts.freeze(mesh.connect))
+    assert unlocked(lambda: ts.translate(frozen.pos, [1, 0, 0])) == 1
+    assert unlocked(lambda: ts.translate(frozen.pos, [1, 0, 0], out=mesh.pos)) == 0
+    assert unlocked(lambda: ts.merge(frozen.pos, frozen.connect, out=mesh.connect)) == 0
+    assert unlocked(lambda: ts.shape_qualities(frozen.pos, frozen.connect, mesh.type, ts.Histogram())) == 0
 
 
 @pytest.mark.parametrize("name", CALLS)
 def test_frozen_arguments_let_others_run(name):
-    def three_times(mesh):
-        return lambda: [CALLS[name](mesh) for _ in range(3)]
-
-    free, _ = turns_of_others(three_times(FROZEN))
-    kept, _ = turns_of_others(three_times(BIG))
-    assert free > 4 * max(kept, 1)
+    with counting_thread() as turns:
+        before, end = turns[0], time.monotonic() + 60
+        while turns[0] == before and time.monotonic() < end:
+            CALLS[name](FROZEN)
+        assert turns[0] > before
 
 
 def test_calls_on_shared_frozen_arrays_agree():

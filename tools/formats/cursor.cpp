@@ -11,15 +11,14 @@
 namespace tool {
 namespace {
 
-// from_chars gives no value beyond the range of doubles; the exponent's sign tells which way.
+// from_chars gives no value beyond the range of doubles: the exponent, or the place of the first digit, tells which way.
 double beyond_range(std::string_view word)
 {
     const std::size_t exponent = word.find_first_of("eE");
-    const bool tiny = exponent != word.npos && exponent + 1 < word.size() && word[exponent + 1] == '-';
-    const bool negative = word.front() == '-';
-    const bool small = tiny || word.find_first_of("123456789") > word.find('.');
+    const bool small = exponent != word.npos ? word.substr(exponent + 1).starts_with('-')
+                                             : word.find_first_of("123456789") > word.find('.');
     const double size = small ? 0.0 : std::numeric_limits<double>::infinity();
-    return negative ? -size : size;
+    return word.front() == '-' ? -size : size;
 }
 
 std::string_view without_plus(std::string_view word)
@@ -66,6 +65,7 @@ cursor::cursor(const source& from, std::uint64_t begin, std::uint64_t end)
 {
     block_[0] = '\0';
     refill();
+    if (begin == 0 && std::string_view(at_).starts_with("\xEF\xBB\xBF")) at_ += 3;
 }
 
 bool cursor::refill()

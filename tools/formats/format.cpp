@@ -7,6 +7,7 @@
 #include "formats/cursor.h"
 #include "formats/gmsh_read.h"
 #include "formats/gmsh_write.h"
+#include "formats/library_write.h"
 #include "formats/medit_read.h"
 #include "formats/medit_write.h"
 #include "formats/obj_read.h"
@@ -28,10 +29,11 @@ const std::vector<format>& table()
         {"stl", "STL", {".stl", ".stla", ".stlb"}, nullptr, is_stl, read_stl, write_stl},
         {"obj", "Wavefront OBJ", {".obj"}, is_obj, nullptr, read_obj, write_obj},
         {"gmsh", "Gmsh", {".msh"}, is_gmsh, nullptr, read_gmsh, write_gmsh41},
-        {"gmsh22", "Gmsh 2.2", {".msh2"}, nullptr, nullptr, read_gmsh, write_gmsh22},
+        {"gmsh22", "Gmsh 2.2", {".msh2", ".msh22"}, nullptr, nullptr, read_gmsh, write_gmsh22},
         {"medit", "MEDIT", {".mesh"}, is_medit, nullptr, read_medit, write_medit},
         {"sol", "MEDIT solution", {".sol"}, is_medit_solution, nullptr, refuse_medit_solution, write_medit_solution},
         {"vtu", "VTK XML", {".vtu"}, is_vtu, nullptr, read_vtu, write_vtu},
+        {"ensight", "EnSight", {".case", ".geo"}, nullptr, nullptr, nullptr, nullptr},
         {"vtk", "VTK legacy", {".vtk"}, is_vtk, nullptr, read_vtk, write_vtk},
     };
     return formats;
@@ -40,6 +42,15 @@ const std::vector<format>& table()
 bool has_suffix(std::string_view path, std::string_view suffix)
 {
     return path.size() > suffix.size() && equal_words(path.substr(path.size() - suffix.size()), suffix);
+}
+
+// Without the mark that some programs put before a text.
+std::string_view without_mark(std::string_view head)
+{
+    if (head.starts_with("\xEF\xBB\xBF")) head.remove_prefix(3);
+    if (head.starts_with("\xFE\xFF") || head.starts_with("\xFF\xFE"))
+        throw unreadable("is a text in UTF-16, which is not supported");
+    return head;
 }
 
 const format* format_by_suffix(std::string_view path)
@@ -75,7 +86,8 @@ const format& input_format(const source& from, const std::optional<std::string>&
 {
     if (name) return format_named(*name);
     if (from.size() == 0) throw unreadable("is empty");
-    const std::string head = from.head();
+    const std::string bytes = from.head();
+    const std::string_view head = without_mark(bytes);
     for (const format& f : table())
         if (f.detect != nullptr && f.detect(head)) return f;
     for (const format& f : table())
@@ -100,11 +112,12 @@ mesh read_mesh(const source& from, const std::optional<std::string>& name)
     return f.read(from);
 }
 
-void write_mesh(const mesh& m, const std::string& path, const std::optional<std::string>& name, write_options options)
+void write_mesh(const mesh& m, const std::string& path, const std::optional<std::string>& name,
+                const write_options& options)
 {
     const format& f = output_format(path, name);
-    if (f.write == nullptr) throw wrong_usage(std::string(f.title) + " files are only read");
-    options.path = path;
+    if (options.library) return write_by_library(m, f.name, path, options);
+    if (f.write == nullptr) throw wrong_usage(std::string(f.title) + " files are written with --writer library only");
     sink to(path);
     f.write(m, to, options);
     to.commit();

@@ -17,7 +17,6 @@ struct write_options {
     bool ascii = false;    // text where a format has both
     bool lossy = false;    // leave out, and tell, what the format cannot hold, instead of refusing
     bool library = false;  // the library's own writer instead of the complete one
-    std::string path;      // of the output, for names within it and files beside it
     // What was left out or changed, for people.
     std::vector<std::string>* notes = nullptr;
 
@@ -59,7 +58,7 @@ mesh read_mesh(const source& from, const std::optional<std::string>& name = {});
 
 // Writes a mesh to a path, "-" for standard output. Throws `wrong_usage` and `unwritable`.
 void write_mesh(const mesh& m, const std::string& path, const std::optional<std::string>& name = {},
-                write_options options = {});
+                const write_options& options = {});
 
 }  // namespace tool
 

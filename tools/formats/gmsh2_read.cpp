@@ -38,10 +38,13 @@ private:
             input_.in.fail("the counts of elements do not add up");
         const auto tags = static_cast<std::size_t>(header[2]);
         const std::uint64_t numbers = 1 + tags + zeb::NODES_PER_ELEMENT[type];
-        std::array<std::int64_t, 128> record;
-        for (std::int64_t e = 0; e < header[1]; ++e) {
-            input_.integers(record.data(), numbers, scalar_type::int32, "elements");
-            take(type, record[0], &record[1], tags, &record[1 + tags]);
+        std::array<std::int64_t, 4096> records;
+        for (auto missing = static_cast<std::uint64_t>(header[1]); missing != 0;) {
+            const std::uint64_t n = std::min(records.size() / numbers, missing);
+            input_.integers(records.data(), n * numbers, scalar_type::int32, "elements");
+            for (const std::int64_t* r = records.data(); r != records.data() + n * numbers; r += numbers)
+                take(type, r[0], r + 1, tags, r + 1 + tags);
+            missing -= n;
         }
         return static_cast<std::uint64_t>(header[1]);
     }
@@ -82,6 +85,24 @@ private:
     gmsh_input& input_;
 };
 
+// Records of a number and three coordinates.
+void read_binary_nodes(gmsh_input& input, std::uint64_t total)
+{
+    constexpr std::uint64_t bytes = 28;
+    std::array<char, 1024 * bytes> block;
+    for (std::uint64_t done = 0; done < total;) {
+        const std::uint64_t n = std::min<std::uint64_t>(1024, total - done);
+        input.in.raw(block.data(), n * bytes, "the nodes");
+        for (const char* record = block.data(); record != block.data() + n * bytes; record += bytes) {
+            std::int64_t number = 0;
+            decode(scalar_type::int32, input.reversed, record, &number, 1);
+            input.result.node_numbers.push_back(static_cast<std::uint64_t>(number));
+            decode(scalar_type::real64, input.reversed, record + 4, input.pos.append(), 3);
+        }
+        done += n;
+    }
+}
+
 }  // namespace
 
 void read_gmsh2_nodes(gmsh_input& input)
@@ -91,9 +112,13 @@ void read_gmsh2_nodes(gmsh_input& input)
     input.in.set_binary(input.binary);
     const std::uint64_t total = input.count(announced, 4, 28, "nodes");
     input.pos.reserve(total);
-    for (std::uint64_t j = 0; j < total; ++j) {
-        input.result.node_numbers.push_back(static_cast<std::uint64_t>(input.integer("the number of a node")));
-        input.reals(input.pos.append(), 3, "a coordinate");
+    if (input.binary) {
+        read_binary_nodes(input, total);
+    } else {
+        for (std::uint64_t j = 0; j < total; ++j) {
+            input.result.node_numbers.push_back(input.in.count("the number of a node"));
+            input.in.reals(input.pos.append(), 3, "a coordinate");
+        }
     }
     input.in.set_binary(false);
     input.index_nodes();

@@ -77,7 +77,7 @@ private:
     template <class Value>
     void bytes(Value value)
     {
-        to.raw(&value, sizeof value);
+        to.value(value);
     }
     void data_header(const char* section, const field& f, std::uint64_t items);
     void data_item(std::uint64_t number, const double* values, unsigned int components);

@@ -56,6 +56,14 @@ public:
         return announced;
     }
 
+    // Some programs write more numbers than the section has, of elements of another kind.
+    void end_section()
+    {
+        in.skip_blanks();
+        if (!in.at_end() && in.peek() != '#' && !is_letter(static_cast<char>(in.peek())))
+            in.fail("more numbers than the section should have");
+    }
+
     cursor in;
 
 private:
@@ -113,6 +121,7 @@ private:
         }
         result_.node_numbers = numbering(1, count);
         if (!references.values.empty()) result_.point_fields.push_back(std::move(references));
+        words_.end_section();
     }
 
     void read_elements(zeb::element_type type)
@@ -131,6 +140,7 @@ private:
             unsigned int* column = elements_.add(type, static_cast<std::int32_t>(reference), ++number);
             for (unsigned int k = 0; k < size; ++k) column[k] = node_index(nodes[k], 1);
         }
+        words_.end_section();
     }
 
     medit_words words_;

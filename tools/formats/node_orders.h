@@ -8,8 +8,9 @@
 
 namespace tool {
 
-// Conventions of the local numbering of nodes.
-enum class node_order { library, vtk, gmsh };
+// Conventions of the local numbering of nodes. gmsh turns linear wedges when it writes a VTK file, but not those of 18
+// nodes.
+enum class node_order { library, vtk, gmsh, vtk_by_gmsh };
 
 // Place k in a file of that convention holds the library's local node order[k]. Empty where both agree.
 //

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <set>
 
 #include "errors.h"
 #include "formats/cursor.h"
@@ -27,8 +28,18 @@ public:
     mesh run()
     {
         while (in_.skip_blanks(), !in_.at_end()) {
+            if (in_.peek() == '#') {
+                in_.skip_line();
+                continue;
+            }
             take_line(in_.word());
-            while (more_on_line()) in_.word();
+            while (more_on_line()) {
+                if (in_.peek() == '#') {
+                    in_.skip_line();
+                    break;
+                }
+                in_.word();
+            }
         }
         result_.pos = pos_.take();
         result_.node_numbers = numbering(1, result_.pos.cols);
@@ -65,8 +76,6 @@ private:
             for (const unsigned int node : corners_) add(zeb::EL_NODE, {&node, 1});
         } else if (word == "g" || word == "o") {
             take_group(word == "g");
-        } else if (word.front() == '#') {
-            in_.skip_line();
         }
     }
 
@@ -136,10 +145,7 @@ private:
     void take_corners()
     {
         corners_.clear();
-        while (more_on_line()) {
-            if (in_.peek() == '#') return in_.skip_line();
-            take_corner(in_.word());
-        }
+        while (more_on_line() && in_.peek() != '#') take_corner(in_.word());
         ++number_;
     }
 
@@ -177,12 +183,12 @@ private:
         if (is_new) {
             entry->second = number_in(name);
             if (entry->second == 0) {
-                while (std::ranges::any_of(groups_, [&](const auto& g) { return g.second == next_group_; }))
-                    ++next_group_;
+                while (used_.contains(next_group_)) ++next_group_;
                 entry->second = next_group_++;
                 result_.group_names.push_back({-1, entry->second, name});
             }
         }
+        used_.insert(entry->second);
         group_ = entry->second;
     }
 
@@ -212,6 +218,7 @@ private:
     attribute uvs_;
     std::vector<unsigned int> corners_;
     std::map<std::string, std::int32_t> groups_;
+    std::set<std::int32_t> used_;  // their numbers
     std::int32_t group_ = 0;
     std::int32_t next_group_ = 1;
     bool has_groups_ = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -13,7 +14,7 @@
 namespace tool {
 namespace {
 
-constexpr std::array<scalar_info, 14> scalars{{
+constexpr std::array<scalar_info, 20> scalars{{
     {scalar_type::bit, 0, "bit", "Bit", number_kind::integer},
     {scalar_type::int8, 1, "char", "Int8", number_kind::integer},
     {scalar_type::uint8, 1, "unsigned_char", "UInt8", number_kind::integer},
@@ -28,17 +29,29 @@ constexpr std::array<scalar_info, 14> scalars{{
     {scalar_type::int64, 8, "long", "Int64", number_kind::integer},
     {scalar_type::uint64, 8, "unsigned_long", "UInt64", number_kind::integer},
     {scalar_type::int64, 8, "vtkIdType", "Int64", number_kind::integer},
+    {scalar_type::int32, 4, "vtktypeint32", "Int32", number_kind::integer},
+    {scalar_type::uint32, 4, "vtktypeuint32", "UInt32", number_kind::integer},
+    {scalar_type::int16, 2, "vtktypeint16", "Int16", number_kind::integer},
+    {scalar_type::uint16, 2, "vtktypeuint16", "UInt16", number_kind::integer},
+    {scalar_type::int8, 1, "vtktypeint8", "Int8", number_kind::integer},
+    {scalar_type::uint8, 1, "vtktypeuint8", "UInt8", number_kind::integer},
 }};
 
 template <class Stored>
 Stored load(const char* bytes, bool reversed)
 {
-    std::array<char, sizeof(Stored)> copy;
-    std::memcpy(copy.data(), bytes, sizeof(Stored));
-    if (reversed) std::ranges::reverse(copy);
-    Stored value;
-    std::memcpy(&value, copy.data(), sizeof(Stored));
-    return value;
+    using plain =
+        std::conditional_t<sizeof(Stored) == 8, std::uint64_t,
+                           std::conditional_t<sizeof(Stored) == 4, std::uint32_t,
+                                              std::conditional_t<sizeof(Stored) == 2, std::uint16_t, std::uint8_t>>>;
+    plain value;
+    std::memcpy(&value, bytes, sizeof value);
+    if (reversed) {
+        if constexpr (sizeof value == 8) value = __builtin_bswap64(value);
+        if constexpr (sizeof value == 4) value = __builtin_bswap32(value);
+        if constexpr (sizeof value == 2) value = __builtin_bswap16(value);
+    }
+    return std::bit_cast<Stored>(value);
 }
 
 template <class To, class Stored>

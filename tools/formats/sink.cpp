@@ -4,14 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
-#include <csignal>
-#include <cstdlib>
+#include <optional>
 #include <system_error>
 
 #include "errors.h"
+#include "formats/file_beside.h"
 
 namespace tool {
 namespace {
@@ -21,66 +19,23 @@ namespace {
     throw unwritable(std::generic_category().message(errno));
 }
 
-// The file that a signal would leave half-written. A handler may touch nothing but such plain memory.
-std::array<char, PATH_MAX> unfinished{};
-
-extern "C" void remove_unfinished_and_die(int signal)
-{
-    if (unfinished[0] != '\0') unlink(unfinished.data());
-    struct sigaction standard {};
-    standard.sa_handler = SIG_DFL;
-    sigaction(signal, &standard, nullptr);
-    raise(signal);
-}
-
-// Signals that the caller's shell has switched off stay so.
-void remove_on_signals()
-{
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ}) {
-        struct sigaction action {};
-        if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-        action.sa_handler = remove_unfinished_and_die;
-        action.sa_flags = static_cast<int>(SA_NODEFER);
-        sigaction(signal, &action, nullptr);
-    }
-}
-
-// A link stays a link: what it leads to is written.
-std::string resolved(const std::string& path)
-{
-    std::array<char, PATH_MAX> buffer{};
-    return realpath(path.c_str(), buffer.data()) != nullptr ? std::string(buffer.data()) : path;
-}
-
-mode_t usual_mode()
-{
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
-}
-
 }  // namespace
 
-// A file descriptor, and for a regular file the name under which it grows.
+// A file descriptor: of standard output, of a device that is written in place, or of a file beside its place.
 class sink::target {
 public:
     explicit target(const std::string& path)
     {
+        struct stat status {};
         if (path == "-") {
             descriptor_ = dup(STDOUT_FILENO);
-            if (descriptor_ < 0) throw_last_error();
-            return;
-        }
-        path_ = resolved(path);
-        struct stat status {};
-        const bool exists = stat(path_.c_str(), &status) == 0;
-        if (exists && S_ISDIR(status.st_mode)) throw unwritable("is a directory");
-        if (exists && access(path_.c_str(), W_OK) != 0) throw_last_error();
-        if (exists && !S_ISREG(status.st_mode)) {
-            open_in_place();
+        } else if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+            descriptor_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
         } else {
-            open_beside(exists ? status.st_mode & 07777 : usual_mode());
+            file_.emplace(path);
+            descriptor_ = open(file_->name().c_str(), O_WRONLY | O_CLOEXEC);
         }
+        if (descriptor_ < 0) throw_last_error();
     }
 
     target(const target&) = delete;
@@ -89,7 +44,6 @@ public:
     ~target()
     {
         if (descriptor_ >= 0) close(descriptor_);
-        discard();
     }
 
     void write_out(const char* bytes, std::size_t count) const
@@ -108,41 +62,11 @@ public:
         const int closed = close(descriptor_);
         descriptor_ = -1;
         if (closed != 0) throw_last_error();
-        if (beside_.empty()) return;
-        if (rename(beside_.c_str(), path_.c_str()) != 0) throw_last_error();
-        unfinished[0] = '\0';
-        beside_.clear();
+        if (file_) file_->commit();
     }
 
 private:
-    void open_in_place()
-    {
-        descriptor_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
-        if (descriptor_ < 0) throw_last_error();
-    }
-
-    void open_beside(mode_t mode)
-    {
-        std::string name = path_ + ".part-XXXXXX";
-        if (name.size() >= unfinished.size()) throw unwritable("the name is too long");
-        remove_on_signals();
-        descriptor_ = mkostemp(name.data(), O_CLOEXEC);
-        if (descriptor_ < 0) throw_last_error();
-        beside_ = name;
-        name.copy(unfinished.data(), name.size());
-        unfinished[name.size()] = '\0';
-        fchmod(descriptor_, mode);
-    }
-
-    void discard()
-    {
-        if (beside_.empty()) return;
-        unlink(beside_.c_str());
-        unfinished[0] = '\0';
-    }
-
-    std::string path_;
-    std::string beside_;
+    std::optional<file_beside> file_;
     int descriptor_ = -1;
 };
 

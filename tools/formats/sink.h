@@ -47,6 +47,14 @@ public:
         at_ = std::to_chars(at_, limit_, value).ptr;
     }
     void raw(const void* bytes, std::size_t count);
+    // The bytes of a number.
+    template <class Value>
+    void value(Value value)
+    {
+        make_room(sizeof value);
+        std::memcpy(at_, &value, sizeof value);
+        at_ += sizeof value;
+    }
 
     // Writes what is left and puts the file into its place.
     void commit();

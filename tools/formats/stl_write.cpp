@@ -1,5 +1,6 @@
 #include "formats/stl_write.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -52,13 +53,24 @@ public:
 
     void write_text()
     {
-        std::map<std::int32_t, std::uint64_t> groups;
-        for (const writable_block& b : blocks_) {
-            if (b.block->groups.empty()) groups[0] += b.size();
-            for (const std::int32_t group : b.block->groups) ++groups[group];
+        make_lines();
+        const auto text = [this](const point* p, const unsigned int* n) { text_facet(p, n); };
+        if (blocks_.empty()) return to_.text("solid\nendsolid\n");
+        if (has_one_group()) {
+            const std::string title = begin_solid(blocks_.front().block->group(0), false);
+            for (const writable_block& b : blocks_)
+                for (std::uint64_t e = 0; e < b.size(); ++e) write_element(b, e, text);
+            return to_.text("endsolid" + title);
         }
-        for (const auto& [group, size] : groups) write_solid(group, groups.size() > 1);
-        if (groups.empty()) to_.text("solid\nendsolid\n");
+        // Each group in turn: the elements of every block, in order.
+        std::map<std::int32_t, std::vector<element>> groups;
+        for (const writable_block& b : blocks_)
+            for (std::uint32_t e = 0; e < b.size(); ++e) groups[b.block->group(e)].push_back({&b, e});
+        for (const auto& [group, elements] : groups) {
+            const std::string title = begin_solid(group, true);
+            for (const element& e : elements) write_element(*e.block, e.number, text);
+            to_.text("endsolid" + title);
+        }
     }
 
     void write_binary()
@@ -73,7 +85,8 @@ public:
             throw unwritable("too many triangles for a binary STL file");
         little_endian(static_cast<std::uint32_t>(facets));
         for (const writable_block& b : blocks_)
-            for (std::uint64_t e = 0; e < b.size(); ++e) write_element(b, e, [&](const point* p) { binary_facet(p); });
+            for (std::uint64_t e = 0; e < b.size(); ++e)
+                write_element(b, e, [&](const point* p, const unsigned int*) { binary_facet(p); });
     }
 
 private:
@@ -82,14 +95,30 @@ private:
     {
         const unsigned int* n = b.nodes(e);
         point p[3] = {position(mesh_.pos, n[0]), position(mesh_.pos, n[1]), position(mesh_.pos, n[2])};
-        write(p);
+        write(p, n);
         if (b.type != zeb::EL_QUAD4) return;
+        const unsigned int second[3] = {n[0], n[2], n[3]};
         p[1] = p[2];
         p[2] = position(mesh_.pos, n[3]);
-        write(p);
+        write(p, second);
     }
 
-    void write_solid(std::int32_t group, bool several)
+    struct element {
+        const writable_block* block;
+        std::uint32_t number;
+    };
+
+    bool has_one_group() const
+    {
+        const std::int32_t first = blocks_.front().block->group(0);
+        return std::ranges::all_of(blocks_, [&](const writable_block& b) {
+            const std::vector<std::int32_t>& groups = b.block->groups;
+            return groups.empty() ? first == 0 : std::ranges::count(groups, first) == std::ssize(groups);
+        });
+    }
+
+    // The first line; what stands behind "solid" there and behind "endsolid" in the last one is returned.
+    std::string begin_solid(std::int32_t group, bool several)
     {
         const group_name* named = find_group_name(mesh_, 2, group);
         std::string name = named != nullptr ? named->name : several ? "group_" + std::to_string(group) : "";
@@ -97,22 +126,38 @@ private:
             if (c == '\n' || c == '\r') c = ' ';
         const std::string title = name.empty() ? "\n" : ' ' + name + '\n';
         to_.text("solid" + title);
-        for (const writable_block& b : blocks_)
-            for (std::uint64_t e = 0; e < b.size(); ++e)
-                if (b.block->group(e) == group) write_element(b, e, [&](const point* p) { text_facet(p); });
-        to_.text("endsolid" + title);
+        return title;
     }
 
-    void text_triple(const char* words, const point& p)
+    // The lines of all corners, made once: every node is written by some six facets.
+    void make_lines()
     {
-        to_.text(words);
-        for (const double x : p) {
-            to_.put(' ');
-            to_.real(x);
+        const coordinates& pos = mesh_.pos;
+        pages_.resize(pos.cols / page_nodes + 1);
+        ends_.reserve(pos.cols);
+        std::string page;
+        for (std::uint64_t j = 0; j < pos.cols; ++j) {
+            char line[120];
+            char* at = line + std::string_view("\n  vertex").copy(line, 9);
+            for (const double x : position(pos, static_cast<unsigned int>(j))) {
+                *at++ = ' ';
+                at = std::to_chars(at, line + sizeof line, x).ptr;
+            }
+            page.append(line, at);
+            ends_.push_back(static_cast<std::uint32_t>(page.size()));
+            if ((j + 1) % page_nodes != 0 && j + 1 != pos.cols) continue;
+            pages_[j / page_nodes] = std::string(page);
+            page.clear();
         }
     }
 
-    void text_facet(const point* p)
+    void write_line(unsigned int node)
+    {
+        const std::uint32_t begin = node % page_nodes == 0 ? 0 : ends_[node - 1];
+        to_.raw(pages_[node / page_nodes].data() + begin, ends_[node] - begin);
+    }
+
+    void text_facet(const point* p, const unsigned int* nodes)
     {
         // Of a normal seven digits are plenty.
         to_.text("facet normal");
@@ -121,7 +166,7 @@ private:
             to_.real(static_cast<float>(x));
         }
         to_.text("\n outer loop");
-        for (int k = 0; k < 3; ++k) text_triple("\n  vertex", p[k]);
+        for (int k = 0; k < 3; ++k) write_line(nodes[k]);
         to_.text("\n endloop\nendfacet\n");
     }
 
@@ -141,12 +186,15 @@ private:
     void little_endian(std::uint32_t value)
     {
         if constexpr (std::endian::native == std::endian::big) value = __builtin_bswap32(value);
-        to_.raw(&value, sizeof value);
+        to_.value(value);
     }
 
     const mesh& mesh_;
     sink& to_;
     std::vector<writable_block> blocks_;
+    static constexpr unsigned int page_nodes = 4096;
+    std::vector<std::string> pages_;   // the lines of so many nodes each
+    std::vector<std::uint32_t> ends_;  // of the line of each node in its page
 };
 
 }  // namespace

@@ -80,7 +80,7 @@ element_type rejoined_type(element_type corners, unsigned int further)
 
 class assembler {
 public:
-    assembler(const vtk_cells& cells, bool rejoin) : cells_(cells), rejoin_(rejoin) {}
+    assembler(const vtk_cells& cells, vtk_dialect dialect) : cells_(cells), dialect_(dialect) {}
 
     void run(mesh& result)
     {
@@ -89,7 +89,7 @@ public:
         for (cell_ = 0; cell_ < cells_.sizes.size(); nodes += cells_.sizes[cell_], ++cell_) {
             const unsigned int size = cells_.sizes[cell_];
             const element_type type = types_by_code()[cells_.types[cell_]];
-            if (rejoin_ && take_rejoined(type, nodes, size)) {
+            if (dialect_ == vtk_dialect::library && take_rejoined(type, nodes, size)) {
                 nodes += size;
                 ++cell_;
             } else if (type != EL_NONE) {
@@ -100,11 +100,7 @@ public:
             }
         }
         result.blocks = builder_.take();
-        if (!rejoin_)
-            for (element_block& block : result.blocks)
-                to_library_order(node_order::vtk, block.type, &block.connect(0, 0), block.size());
-        else
-            mend_tetrahedra(result);
+        for (element_block& block : result.blocks) reorder(block);
         tell(result);
     }
 
@@ -133,13 +129,15 @@ private:
         return true;
     }
 
-    // The library's writer turns the corners of tetrahedra by exchanging the last two, and nothing else.
-    static void mend_tetrahedra(mesh& result)
+    // The library's writer turns tetrahedra by exchanging their last two corners, and nothing else.
+    void reorder(element_block& block) const
     {
-        for (element_block& block : result.blocks)
-            for (std::uint64_t e = 0;
-                 VERTICES_PER_ELEMENT[block.type] == 4 && block.type >= EL_TETRA4 && e < block.size(); ++e)
-                std::swap(block.connect(2, e), block.connect(3, e));
+        if (dialect_ != vtk_dialect::library) {
+            const node_order order = dialect_ == vtk_dialect::gmsh ? node_order::vtk_by_gmsh : node_order::vtk;
+            to_library_order(order, block.type, &block.connect(0, 0), block.size());
+        } else if (block.type == EL_TETRA4 || block.type == EL_TETRA10) {
+            for (std::uint64_t e = 0; e < block.size(); ++e) std::swap(block.connect(2, e), block.connect(3, e));
+        }
     }
 
     void add(element_type type, std::initializer_list<unsigned int> nodes)
@@ -199,7 +197,7 @@ private:
     }
 
     const vtk_cells& cells_;
-    bool rejoin_;
+    vtk_dialect dialect_;
     mesh_builder builder_;
     std::uint64_t cell_ = 0;
     std::uint64_t polygons_ = 0;
@@ -226,23 +224,28 @@ void vtk_cells::read_list(number_stream& in, std::uint64_t cells, std::uint64_t 
     if (cells > numbers)
         where.fail(std::to_string(cells) + " cells in a list of " + std::to_string(numbers) + " numbers");
     sizes.reserve(sizes.size() + cells);
-    nodes.reserve(nodes.size() + (numbers - cells));
+    const std::size_t first = nodes.size();
+    nodes.resize(first + (numbers - cells));
+    unsigned int* to = nodes.data() + first;
+    std::uint64_t room = numbers - cells;
     const std::uint64_t wanted = sizes.size() + cells;
-    std::int64_t missing = 0;  // nodes of the present cell
+    std::uint64_t missing = 0;  // nodes of the present cell
     in.for_each_block(numbers, [&](const std::int64_t* block, std::uint64_t n) {
-        for (std::uint64_t i = 0; i < n; ++i) {
-            if (missing != 0) {
-                nodes.push_back(node_index(block[i], 0));
-                --missing;
-                continue;
+        for (std::uint64_t i = 0; i < n;) {
+            if (missing == 0) {
+                const std::int64_t size = block[i++];
+                if (size < 0 || static_cast<std::uint64_t>(size) > room || sizes.size() == wanted)
+                    where.fail("the list of cells does not add up");
+                missing = static_cast<std::uint64_t>(size);
+                room -= missing;
+                sizes.push_back(static_cast<unsigned int>(size));
             }
-            missing = block[i];
-            if (missing < 0 || missing >= std::int64_t{NONE_INDEX} || sizes.size() == wanted)
-                where.fail("the list of cells does not add up");
-            sizes.push_back(static_cast<unsigned int>(missing));
+            const std::uint64_t part = std::min(missing, n - i);
+            for (const std::int64_t* end = block + i + part; block + i != end; ++i) *to++ = node_index(block[i], 0);
+            missing -= part;
         }
     });
-    if (missing != 0 || sizes.size() != wanted) where.fail("the list of cells does not add up");
+    if (missing != 0 || room != 0 || sizes.size() != wanted) where.fail("the list of cells does not add up");
 }
 
 void vtk_cells::read_offsets(number_stream& in, std::uint64_t count, bool leading_zero, const cursor& where)
@@ -264,13 +267,15 @@ void vtk_cells::read_offsets(number_stream& in, std::uint64_t count, bool leadin
 
 void vtk_cells::read_nodes(number_stream& in, std::uint64_t count)
 {
-    nodes.reserve(nodes.size() + count);
+    const std::size_t first = nodes.size();
+    nodes.resize(first + count);
+    unsigned int* to = nodes.data() + first;
     in.for_each_block(count, [&](const std::int64_t* block, std::uint64_t n) {
-        for (std::uint64_t i = 0; i < n; ++i) nodes.push_back(node_index(block[i], 0));
+        for (std::uint64_t i = 0; i < n; ++i) *to++ = node_index(block[i], 0);
     });
 }
 
-void assemble(const vtk_cells& cells, bool rejoin, mesh& result)
+void assemble(const vtk_cells& cells, vtk_dialect dialect, mesh& result)
 {
     std::uint64_t nodes = 0;
     for (const unsigned int size : cells.sizes) nodes += size;
@@ -280,7 +285,7 @@ void assemble(const vtk_cells& cells, bool rejoin, mesh& result)
     if (cells.types.size() != cells.sizes.size())
         throw unreadable(counted(cells.sizes.size(), "cell", "cells") + " and " +
                          counted(cells.types.size(), "type", "types"));
-    assembler(cells, rejoin).run(result);
+    assembler(cells, dialect).run(result);
 }
 
 void take_groups(mesh& result)

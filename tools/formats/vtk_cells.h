@@ -13,6 +13,10 @@ namespace tool {
 // The codes of VTK for the kinds of cells that a mesh holds; 0 for those without one.
 unsigned int vtk_code_of(zeb::element_type type);
 
+// Programs that write VTK files in their own way. The library puts the further nodes of a quadratic element into a cell
+// of points behind that of its corners; gmsh leaves wedges of 18 nodes as it has them, the mirror image of VTK's.
+enum class vtk_dialect { standard, library, gmsh };
+
 // The cells of a VTK file as they stand there, legacy or XML.
 struct vtk_cells {
     std::vector<unsigned int> nodes;  // of all cells
@@ -27,9 +31,8 @@ struct vtk_cells {
 };
 
 // Makes the blocks of a mesh: polygons, strips and the like are cut and told. Element numbers count from 0, as in VTK.
-// Throws `unreadable` for cells of a type that a mesh cannot hold, or of a wrong size. With `rejoin` a cell of corners
-// and the points behind it are one quadratic element: so the library's writer has it.
-void assemble(const vtk_cells& cells, bool rejoin, mesh& result);
+// Throws `unreadable` for cells of a type that a mesh cannot hold, or of a wrong size.
+void assemble(const vtk_cells& cells, vtk_dialect dialect, mesh& result);
 
 // Takes the cell field that holds the groups out of the fields, if there is one.
 void take_groups(mesh& result);

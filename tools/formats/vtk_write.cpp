@@ -66,28 +66,19 @@ private:
     // A number, and what separates it in a text.
     void number(double value, char behind)
     {
-        if (binary_) {
-            const double stored = big_endian(value);
-            return to_.raw(&stored, sizeof stored);
-        }
+        if (binary_) return to_.value(big_endian(value));
         to_.real(value);
         to_.put(behind);
     }
     void number(float value, char behind)
     {
-        if (binary_) {
-            const float stored = big_endian(value);
-            return to_.raw(&stored, sizeof stored);
-        }
+        if (binary_) return to_.value(big_endian(value));
         to_.real(value);
         to_.put(behind);
     }
     void number(std::int32_t value, char behind)
     {
-        if (binary_) {
-            const std::int32_t stored = big_endian(value);
-            return to_.raw(&stored, sizeof stored);
-        }
+        if (binary_) return to_.value(big_endian(value));
         to_.integer(value);
         to_.put(behind);
     }

@@ -29,7 +29,7 @@ public:
         for (const pugi::xml_node piece : grid.children("Piece")) take_piece(piece);
         result_.pos = points_.take();
         result_.node_numbers = numbering(0, result_.pos.cols);
-        assemble(cells_, false, result_);
+        assemble(cells_, vtk_dialect::standard, result_);
         for (field& f : result_.cell_fields) f.values = gathered(result_.blocks, f.values, f.components, 0);
         take_groups(result_);
         return std::move(result_);

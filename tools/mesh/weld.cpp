@@ -46,6 +46,68 @@ double height(const double* p, const double* a, const double* b)
     return norm(cross(edge, difference(p, a)));
 }
 
+// Tells whether two nodes lie within a distance, in far less memory than it takes to merge them: a grid of cells some
+// times as large, in which few nodes can be without such a pair among them.
+class pair_finder {
+public:
+    pair_finder(const coordinates& pos, double distance)
+        : pos_(pos), distance_(distance), heads_(std::bit_ceil(pos.cols + 1)), next_(pos.cols)
+    {
+    }
+
+    bool run()
+    {
+        for (unsigned int node = 0; node < pos_.cols; ++node)
+            if (has_partner(node)) return true;
+        return false;
+    }
+
+private:
+    // Among the nodes so far; the node joins them.
+    bool has_partner(unsigned int node)
+    {
+        const double* p = &pos_(0, node);
+        const double cell_size = 8 * distance_;
+        vector low;
+        vector high;
+        for (std::size_t i = 0; i < 3; ++i) {
+            low[i] = std::floor((p[i] - distance_) / cell_size);
+            high[i] = std::floor((p[i] + distance_) / cell_size);
+            if (!std::isfinite(low[i]) || !std::isfinite(high[i])) return std::isfinite(p[i]);
+        }
+        for (int corner = 0; corner < 8; ++corner) {
+            vector cell;
+            bool repeated = false;
+            for (std::size_t i = 0; i < 3; ++i) {
+                const bool upper = (corner >> i & 1) != 0;
+                repeated = repeated || (upper && low[i] == high[i]);
+                cell[i] = upper ? high[i] : low[i];
+            }
+            if (!repeated && is_near(p, cell)) return true;
+        }
+        vector own;
+        for (std::size_t i = 0; i < 3; ++i) own[i] = std::floor(p[i] / cell_size);
+        unsigned int& head = heads_[slot_of(own)];
+        next_[node] = head;
+        head = node + 1;
+        return false;
+    }
+
+    bool is_near(const double* p, const vector& cell) const
+    {
+        for (unsigned int other = heads_[slot_of(cell)]; other != 0; other = next_[other - 1])
+            if (norm(difference(&pos_(0, other - 1), p)) <= distance_) return true;
+        return false;
+    }
+
+    std::size_t slot_of(const vector& cell) const { return mixed(cell.data()) & (heads_.size() - 1); }
+
+    const coordinates& pos_;
+    double distance_;
+    std::vector<unsigned int> heads_;  // node + 1
+    std::vector<unsigned int> next_;
+};
+
 }  // namespace
 
 unsigned int node_pool::append(const double* p)
@@ -96,6 +158,7 @@ double least_height::weld_tolerance() const
 std::uint64_t weld_triangles(mesh& m, double tolerance)
 {
     if (m.blocks.empty() || !(tolerance > 0)) return 0;
+    if (!pair_finder(m.pos, tolerance).run()) return 0;
     connectivity& connect = m.blocks.front().connect;
     zeb::dense1D<unsigned int> survivors;
     const int merged = zeb::tessolv::merge(m.pos, connect, survivors, tolerance);

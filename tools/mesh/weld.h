@@ -20,7 +20,11 @@ public:
 
     const double* position(unsigned int node) const { return pos_.column(node); }
     std::uint64_t size() const { return pos_.size(); }
-    coordinates take() { return pos_.take(); }
+    coordinates take()
+    {
+        slots_ = std::vector<unsigned int>();
+        return pos_.take();
+    }
 
 private:
     unsigned int append(const double* p);

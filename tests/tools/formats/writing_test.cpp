@@ -1,0 +1,191 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "errors.h"
+#include "formats/file_beside.h"
+#include "tools/formats/every_kind.h"
+#include "tools/stl_files.h"
+
+namespace {
+
+using namespace tool;
+using namespace zeb;
+
+const mesh& tetrahedra()
+{
+    static const mesh m = test::two_elements(EL_TETRA4);
+    return m;
+}
+
+bool exists(const std::string& path)
+{
+    return access(path.c_str(), F_OK) == 0;
+}
+
+TEST(WriteMesh, ChoosesTheFormatByTheSuffixOrByName)
+{
+    const test::temporary_folder folder;
+    for (const char* name : {"a.vtk", "a.vtu", "a.msh", "a.mesh"}) {
+        write_mesh(tetrahedra(), folder.path(name));
+        EXPECT_EQ(read_mesh(source::open(folder.path(name))).element_count(), 2u) << name;
+    }
+    write_mesh(tetrahedra(), folder.path("b.xyz"), "vtu");
+    EXPECT_EQ(input_format(source::open(folder.path("b.xyz")), {}).name, "vtu");
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("c.xyz")), wrong_usage);
+    EXPECT_THROW(write_mesh(tetrahedra(), "-"), wrong_usage);
+}
+
+TEST(WriteMesh, LeavesWhatWasThereWhenItFails)
+{
+    const test::temporary_folder folder;
+    const std::string path = folder.write("kept.stl", "kept");
+    EXPECT_THROW(write_mesh(tetrahedra(), path), unwritable);
+    EXPECT_EQ(test::read_file(path), "kept");
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("new.stl")), unwritable);
+    EXPECT_FALSE(exists(folder.path("new.stl")));
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("no/such/folder.vtk")), unwritable);
+    EXPECT_THROW(write_mesh(tetrahedra(), "/dev/full", "vtk"), unwritable);
+}
+
+TEST(FileBeside, TakesItsPlaceOnlyWhenItIsCommitted)
+{
+    const test::temporary_folder folder;
+    std::string beside;
+    {
+        const file_beside file(folder.path("a"));
+        beside = file.name();
+        EXPECT_TRUE(exists(beside));
+    }
+    EXPECT_FALSE(exists(beside));
+    EXPECT_FALSE(exists(folder.path("a")));
+    file_beside file(folder.path("a"));
+    std::ofstream(file.name()) << "whole";
+    file.commit();
+    EXPECT_EQ(test::read_file(folder.path("a")), "whole");
+    EXPECT_FALSE(exists(file.name() + "x"));
+}
+
+TEST(FileBeside, IsRemovedByASignal)
+{
+    const test::temporary_folder folder;
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGTERM, SIG_DFL);
+        const file_beside file(folder.path("a"));
+        if (exists(file.name())) raise(SIGTERM);
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path("")));
+}
+
+TEST(FileBeside, FollowsALinkAndKeepsTheRights)
+{
+    const test::temporary_folder folder;
+    const std::string target = folder.write("target", "old");
+    ASSERT_EQ(symlink(target.c_str(), folder.path("link").c_str()), 0);
+    write_mesh(tetrahedra(), folder.path("link"), "vtk");
+    EXPECT_TRUE(test::read_file(target).starts_with("# vtk"));
+}
+
+TEST(Lossy, WritesCornersAndTellsWhatIsLeftOut)
+{
+    std::vector<std::string> notes;
+    write_options options;
+    options.lossy = true;
+    options.notes = &notes;
+    std::string bytes;
+    sink to(bytes);
+    format_named("medit").write(test::mesh_of({EL_TETRA4, EL_WEDGE18}), to, options);
+    to.commit();
+    const mesh is = test::read_bytes(bytes);
+    ASSERT_EQ(is.blocks.size(), 2u);
+    EXPECT_EQ(is.blocks[1].type, EL_WEDGE6);
+    EXPECT_NE(std::ranges::find(notes, "2 wedges of 18 nodes written by their corners"), notes.end());
+}
+
+TEST(LowerDimensions, AreLeftOutWhereAFormatHasNoPlaceForThem)
+{
+    std::vector<std::string> notes;
+    write_options options;
+    options.notes = &notes;
+    std::string bytes;
+    sink to(bytes);
+    format_named("stl").write(test::mesh_of({EL_NODE, EL_EDGE2, EL_TRIA3}), to, options);
+    to.commit();
+    EXPECT_EQ(test::read_bytes(bytes).element_count(), 2u);
+    EXPECT_NE(std::ranges::find(notes, "2 lines left out"), notes.end());
+}
+
+TEST(Digits, AreTheFewestThatReadBack)
+{
+    mesh m = test::two_elements(EL_TRIA3);
+    m.pos(0, 0) = 0.1;
+    m.pos(1, 0) = 1.0 / 3.0;
+    m.pos(2, 0) = -0.0;
+    m.pos(0, 1) = 5e-324;
+    m.pos(1, 1) = 1.7976931348623157e308;
+    const std::string text = test::written(m, "obj");
+    EXPECT_NE(text.find("v 0.1 0.3333333333333333 -0\nv 5e-324 1.7976931348623157e+308 "), text.npos)
+        << text.substr(0, 200);
+    EXPECT_EQ(test::read_bytes(text).pos, m.pos);
+}
+
+TEST(LibraryWriter, GetsTheLibrarysOwnOrder)
+{
+    const test::temporary_folder folder;
+    write_options options;
+    options.library = true;
+    for (const element_type type : {EL_TETRA4, EL_HEXA8, EL_TRIA6, EL_TETRA10, EL_HEXA27}) {
+        const mesh m = test::two_elements(type);
+        write_mesh(m, folder.path("a.vtk"), {}, options);
+        const mesh is = read_mesh(source::open(folder.path("a.vtk")));
+        ASSERT_EQ(is.blocks.size(), 1u) << type;
+        EXPECT_EQ(is.blocks[0].type, type);
+        EXPECT_EQ(is.blocks[0].connect, m.blocks[0].connect) << type;
+    }
+}
+
+TEST(LibraryWriter, WritesTheBytesOfTheLibrary)
+{
+    const test::temporary_folder folder;
+    write_options options;
+    options.library = true;
+    const mesh& m = tetrahedra();
+    write_mesh(m, folder.path("a.mesh"), {}, options);
+    dense1D<unsigned int> references(2);
+    references[0] = 4;
+    references[1] = 9;
+    ASSERT_EQ(
+        zeb::tessolv::medit_output(folder.path("b.mesh").c_str(), m.pos, m.blocks[0].connect, EL_TETRA4, references),
+        0);
+    EXPECT_EQ(test::read_file(folder.path("a.mesh")), test::read_file(folder.path("b.mesh")));
+    write_mesh(m, folder.path("a.case"), {}, options);
+    ASSERT_EQ(zeb::tessolv::ensight_output(folder.path("b.geo").c_str(), m.pos, m.blocks[0].connect, EL_TETRA4), 0);
+    EXPECT_EQ(test::read_file(folder.path("a.geo")), test::read_file(folder.path("b.geo")));
+    EXPECT_NE(test::read_file(folder.path("a.case")).find("model: a.geo\n"), std::string::npos);
+}
+
+TEST(LibraryWriter, IsNotAskedForWhatItRefuses)
+{
+    const test::temporary_folder folder;
+    write_options options;
+    options.library = true;
+    EXPECT_THROW(write_mesh(test::two_elements(EL_PYRAMID5), folder.path("a.vtk"), {}, options), unwritable);
+    EXPECT_FALSE(exists(folder.path("a.vtk")));
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("a.stl"), {}, options), unwritable);
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("a.vtu"), {}, options), wrong_usage);
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("a.case")), wrong_usage);
+}
+
+}  // namespace
