@@ -38,7 +38,7 @@ public:
         if (count == 0 || rules_.of(which) == severity::off) return;
         if (text.empty()) text = counted(count, info_of(which).one, info_of(which).many);
         std::ranges::sort(ids);
-        ids.erase(std::ranges::unique(ids).begin(), ids.end());
+        ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
         result_.faults.push_back({which, rules_.of(which), count, of, std::move(text), std::move(ids)});
     }
 

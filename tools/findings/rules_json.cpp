@@ -73,7 +73,8 @@ void take_limits(const json& from, const std::string& kind, quality_limits& limi
 
 void take_quality(const json& from, rules& r)
 {
-    for (const auto& [name, value] : object_of(from, "quality").items()) {
+    for (const auto& [key, value] : object_of(from, "quality").items()) {
+        const std::string& name = key;
         if (name == "all") {
             for (const zeb::element_type type : kinds_with_limits())
                 take_limits(value, name, r.limits[static_cast<std::size_t>(type)]);
