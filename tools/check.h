@@ -5,17 +5,23 @@
 #include <string>
 #include <vector>
 
+#include "commands/options.h"
 #include "exit_status.h"
+#include "findings/rules.h"
 #include "stl_format.h"
 
 namespace tool {
 
 struct check_options {
-    std::vector<std::string> files;
-    std::optional<std::string> output;  // VTK file, for one input
-    std::optional<stl_format> format;   // how to read, instead of by content
-    bool json = false;
-    bool quiet = false;
+    shared_options shared;
+    std::optional<stl_format> stl;  // how to read an STL file, instead of by content
+    std::optional<std::string> profile;
+    std::optional<std::string> rules_file;
+    std::optional<std::string> extract;  // file for the elements at fault, for one input
+    bool ids = false;
+
+    // STL files are judged like any other mesh.
+    bool is_general() const { return profile || rules_file || extract || ids; }
 };
 
 // tessolv check: reports on every file; the worst status counts.

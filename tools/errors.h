@@ -1,7 +1,9 @@
 #ifndef TOOLS_ERRORS_H
 #define TOOLS_ERRORS_H
 
+#include <new>
 #include <stdexcept>
+#include <string>
 
 namespace tool {
 
@@ -24,6 +26,15 @@ struct wrong_usage : std::runtime_error {
 struct internal_error : std::logic_error {
     using logic_error::logic_error;
 };
+
+// Turns a negative result of the library into an exception: exhausted memory into std::bad_alloc.
+inline int checked(int result, const char* operation)
+{
+    constexpr int out_of_memory = -199;
+    if (result == out_of_memory) throw std::bad_alloc();
+    if (result < 0) throw internal_error(operation + std::string(" gave ") + std::to_string(result));
+    return result;
+}
 
 }  // namespace tool
 

@@ -17,26 +17,37 @@ Commands:
 )";
 
 constexpr const char* check_help = R"(
-tessolv check FILE... [--output OUT.vtk] [--json] [--ascii | --binary] [--quiet]
+tessolv check FILE... [OPTIONS]
 
-'check' reads each STL file, welds its corners and says whether the surface is
-closed, clean and well shaped: facets read, triangles and nodes after the weld,
-degenerate and duplicate triangles, free and non-manifold edges, connected
-parts, bounding box, shape qualities, and the verdict in the last line. Whether
-a file is text or binary is seen from its size and content.
+'check' says whether a mesh of any kind is sound: numbers of nodes that are not
+there, duplicate, degenerate, inverted and poor elements, unused and coincident
+nodes, faces of three or more elements, open edges, neighbours that turn against
+each other, connected parts, the shortest edge. The verdict is the last line.
+
+Of an STL file it tells what the library's reader makes of it: facets read,
+triangles and nodes after the weld, free and non-manifold edges. --profile,
+--rules, --ids and --extract judge it like any other mesh.
 
 Options of check:
-  --output OUT.vtk  also write the welded surface, for one FILE; the input is
-                    never overwritten
-  --json            one JSON object per file, a line each, and nothing else
-  --quiet           only the verdict, a line per file
-  --ascii           read the files as text
-  --binary          read the files as binary
-  --help            this text
+  --profile NAME     judge by other rules: default, solver, shell, closed
+  --rules RULES.json judge by rules of one's own, see docs/check.md
+  --ids              name all nodes and elements at fault, not the first ten
+  --extract BAD.vtu  write what is at fault, with values and original numbers,
+                     for one FILE; --force overwrites the input
+  --json             one JSON object per file, a line each, and nothing else
+  --quiet            only the verdict, a line per file
+  --format NAME      read the files as this format
+  --skip-unreadable  go on after a file that cannot be read, status 0 for it
+  --output OUT.vtk   also write the welded surface of one STL file; the input is
+                     never overwritten
+  --ascii            read the files as text STL
+  --binary           read the files as binary STL
+  --help             this text
 
 Examples:
   tessolv check part.stl
   tessolv check part.stl --output part.vtk
+  tessolv check wing.msh --profile solver --extract bad.vtu
   tessolv check --quiet *.stl
   tessolv check --json *.stl | jq -r 'select(.free_edges > 0) | .file'
 )";

@@ -152,14 +152,6 @@ std::uint64_t count_not_finite(const dense2D<double>& pos)
 
 }  // namespace
 
-int checked(int result, const char* operation)
-{
-    constexpr int out_of_memory = -199;
-    if (result == out_of_memory) throw std::bad_alloc();
-    if (result < 0) throw internal_error(operation + std::string(" gave ") + std::to_string(result));
-    return result;
-}
-
 surface_numbers measure_surface(const dense2D<double>& pos, const dense2D<unsigned>& connect)
 {
     surface_numbers numbers;

@@ -50,9 +50,6 @@ struct surface_numbers {
 // Every node of `pos` is used by a triangle of `connect`.
 surface_numbers measure_surface(const zeb::dense2D<double>& pos, const zeb::dense2D<unsigned int>& connect);
 
-// Turns a negative result of the library into an exception: exhausted memory into std::bad_alloc.
-int checked(int result, const char* operation);
-
 }  // namespace tool
 
 #endif

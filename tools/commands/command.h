@@ -21,9 +21,18 @@ struct command {
 std::span<const command> all_commands();
 
 // One per file.
+std::function<exit_status()> declare_boundary(CLI::App& app);
 std::function<exit_status()> declare_check(CLI::App& app);
+std::function<exit_status()> declare_clean(CLI::App& app);
+std::function<exit_status()> declare_clip(CLI::App& app);
 std::function<exit_status()> declare_convert(CLI::App& app);
+std::function<exit_status()> declare_edges(CLI::App& app);
 std::function<exit_status()> declare_info(CLI::App& app);
+std::function<exit_status()> declare_neighbors(CLI::App& app);
+std::function<exit_status()> declare_parts(CLI::App& app);
+std::function<exit_status()> declare_quality(CLI::App& app);
+std::function<exit_status()> declare_transform(CLI::App& app);
+std::function<exit_status()> declare_weld(CLI::App& app);
 
 }  // namespace tool
 

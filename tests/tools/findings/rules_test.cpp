@@ -1,0 +1,33 @@
+#include "findings/rules.h"
+
+#include <gtest/gtest.h>
+
+#include "errors.h"
+
+namespace {
+
+TEST(Rules, AreReadBackAsTheyArePrinted)
+{
+    for (const tool::profile& p : tool::all_profiles()) {
+        const tool::rules r = tool::rules_of_profile(p.name);
+        EXPECT_EQ(to_json(tool::rules_from_json(to_json(r), tool::rules_of_profile("default"))), to_json(r));
+    }
+}
+
+class WrongRules : public testing::TestWithParam<const char*> {};
+
+TEST_P(WrongRules, AreRefused)
+{
+    EXPECT_THROW(tool::rules_from_json(GetParam(), tool::rules_of_profile("default")), tool::wrong_usage) << GetParam();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, WrongRules,
+    testing::Values("", "[", "3", "[]", R"({"unknown": 1})", R"({"profile": "none"})", R"({"profile": 3})",
+                    R"({"faults": 3})", R"({"faults": {"none": "off"}})", R"({"faults": {"inverted": "wrong"}})",
+                    R"({"faults": {"inverted": 1}})", R"({"quality": {"vertex": {"bad": 0}}})",
+                    R"({"quality": {"tetra": {"worst": 0}}})", R"({"quality": {"tetra": {"bad": 0.9}}})",
+                    R"({"quality": {"tetra": {"bad": "0"}}})", R"({"quality": {"tetra": {"good": 2}}})",
+                    R"({"coincident": -1})", R"({"coincident": null})"));
+
+}  // namespace

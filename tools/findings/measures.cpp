@@ -1,0 +1,201 @@
+#include "findings/measures.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "errors.h"
+#include "findings/element_faces.h"
+#include "mesh/kinds.h"
+
+namespace tool {
+namespace {
+
+namespace library = zeb::tessolv;
+using vector = std::array<double, 3>;
+
+vector point_of(const mesh& m, unsigned int node)
+{
+    vector p{};
+    for (std::uint64_t i = 0; i < std::min<std::uint64_t>(3, m.pos.rows); ++i) p[i] = m.pos(i, node);
+    return p;
+}
+
+vector operator-(const vector& a, const vector& b)
+{
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+double dot(const vector& a, const vector& b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+vector cross(const vector& a, const vector& b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+// Twice the vector area of a polygon seen from its first corner.
+vector twice_area(const std::vector<vector>& p)
+{
+    vector sum{};
+    for (std::size_t i = 2; i < p.size(); ++i) {
+        const vector part = cross(p[i - 1] - p[0], p[i] - p[0]);
+        for (std::size_t k = 0; k < 3; ++k) sum[k] += part[k];
+    }
+    return sum;
+}
+
+// By the divergence theorem over the faces: their vector areas by their middles, both seen from the first corner.
+double volume(const std::vector<vector>& p, zeb::element_type type)
+{
+    double six_volumes = 0;
+    std::vector<vector> face;
+    for (const local_face& f : faces_of(type)) {
+        face.clear();
+        vector middle{};
+        for (unsigned int i = 0; i < f.width; ++i) {
+            face.push_back(p[f.nodes[i]] - p[0]);
+            for (std::size_t k = 0; k < 3; ++k) middle[k] += face.back()[k] / f.width;
+        }
+        six_volumes += dot(middle, twice_area(face));
+    }
+    return six_volumes / 6;
+}
+
+double longest_side(const std::vector<vector>& p)
+{
+    double longest = 0;
+    for (std::size_t k = 0; k < 3; ++k) {
+        const auto [least, most] = std::ranges::minmax(p, {}, [k](const vector& v) { return v[k]; });
+        longest = std::max(longest, most[k] - least[k]);
+    }
+    return longest;
+}
+
+double relative_size(const std::vector<vector>& p, const kind_info& kind)
+{
+    const double side = longest_side(p);
+    if (!(side > 0)) return std::isnan(side) ? side : 0;
+    std::vector<vector> unit = p;  // so that no power of a size overflows
+    for (vector& v : unit)
+        for (std::size_t k = 0; k < 3; ++k) v[k] = (v[k] - p[0][k]) / side;
+    if (kind.dimension == 1) return std::sqrt(dot(unit[1], unit[1]));
+    if (kind.dimension == 3) return volume(unit, kind.linear);
+    const vector area = twice_area(unit);
+    return std::sqrt(dot(area, area)) / 2;
+}
+
+// Whether all these nodes have finite coordinates.
+bool has_place(const mesh& m, const unsigned int* nodes, unsigned int count)
+{
+    return std::all_of(nodes, nodes + count, [&](unsigned int node) {
+        const vector p = point_of(m, node);
+        return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+    });
+}
+
+}  // namespace
+
+connectivity corners_of(const element_block& block)
+{
+    return block.connect.sub_matrix(0, 0, zeb::VERTICES_PER_ELEMENT[block.type], block.connect.cols);
+}
+
+std::vector<double> qualities_of(const mesh& m, const element_block& block)
+{
+    const kind_info& kind = info_of(block.type);
+    if (kind.dimension == 0) return std::vector<double>(block.size(), std::numeric_limits<double>::quiet_NaN());
+    zeb::dense1D<double> values;
+    checked(library::shape_qualities(m.pos, corners_of(block), kind.linear, values), "shape_qualities");
+    std::vector<double> result(values.begin(), values.end());
+    for (std::uint64_t e = 0; e < block.size(); ++e) {
+        if (!has_place(m, &block.connect(0, e), zeb::VERTICES_PER_ELEMENT[block.type]))
+            result[e] = std::numeric_limits<double>::quiet_NaN();
+        else if (result[e] < -1)
+            result[e] = -1;
+    }
+    return result;
+}
+
+std::vector<double> relative_sizes(const mesh& m, const element_block& block)
+{
+    const kind_info& kind = info_of(block.type);
+    std::vector<double> sizes(block.size(), 1);
+    std::vector<vector> p(zeb::VERTICES_PER_ELEMENT[block.type]);
+    for (std::uint64_t e = 0; e < block.size() && kind.dimension != 0; ++e) {
+        for (std::size_t i = 0; i < p.size(); ++i) p[i] = point_of(m, block.connect(i, e));
+        sizes[e] = relative_size(p, kind);
+    }
+    return sizes;
+}
+
+double enclosed_volume(const mesh& m)
+{
+    double six_volumes = 0;
+    for (const element_block& block : m.blocks) {
+        if (info_of(block.type).dimension != 2) continue;
+        std::vector<vector> p(zeb::VERTICES_PER_ELEMENT[block.type]);
+        const vector origin = point_of(m, block.connect(0, 0));
+        for (std::uint64_t e = 0; e < block.size(); ++e) {
+            vector middle{};
+            for (std::size_t i = 0; i < p.size(); ++i) {
+                p[i] = point_of(m, block.connect(i, e)) - origin;
+                for (std::size_t k = 0; k < 3; ++k) middle[k] += p[i][k] / static_cast<double>(p.size());
+            }
+            six_volumes += dot(middle, twice_area(p));
+        }
+    }
+    return six_volumes / 6;
+}
+
+double finite_box::diagonal() const
+{
+    if (is_empty()) return 0;
+    return std::hypot(max[0] - min[0], max[1] - min[1], max[2] - min[2]);
+}
+
+void finite_box::enclose(const mesh& m, std::uint64_t node)
+{
+    const vector p = point_of(m, static_cast<unsigned int>(node));
+    if (!std::ranges::all_of(p, [](double x) { return std::isfinite(x); })) return;
+    for (std::size_t k = 0; k < 3; ++k) {
+        min[k] = std::min(min[k], p[k]);
+        max[k] = std::max(max[k], p[k]);
+    }
+}
+
+finite_box box_of(const mesh& m)
+{
+    finite_box box;
+    for (std::uint64_t j = 0; j < m.pos.cols; ++j) box.enclose(m, j);
+    return box;
+}
+
+connectivity edges_of(const mesh& m)
+{
+    std::vector<connectivity> blocks;
+    zeb::dense1D<int> types;
+    for (const element_block& block : m.blocks) {
+        if (info_of(block.type).dimension == 0) continue;
+        blocks.push_back(corners_of(block));
+        types.push_back(info_of(block.type).linear);
+    }
+    if (types.size != blocks.size()) throw std::bad_alloc();
+    connectivity edges;
+    checked(library::copy_edges(blocks.data(), blocks.data() + blocks.size(), types, edges), "copy_edges");
+    return edges;
+}
+
+std::vector<double> lengths_of(const mesh& m, const connectivity& edges)
+{
+    std::vector<double> lengths(edges.cols);
+    for (std::uint64_t e = 0; e < edges.cols; ++e) {
+        const vector d = point_of(m, edges(1, e)) - point_of(m, edges(0, e));
+        lengths[e] = std::sqrt(dot(d, d));
+    }
+    return lengths;
+}
+
+}  // namespace tool

@@ -1,0 +1,49 @@
+#ifndef TOOLS_FINDINGS_MEASURES_H
+#define TOOLS_FINDINGS_MEASURES_H
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "mesh/mesh.h"
+
+namespace tool {
+
+// The corners of a block under the kind that they make. The matrix shares the memory of the block.
+connectivity corners_of(const element_block& block);
+
+// Shape quality of every element of a block, NaN for points and where a corner has no finite
+// place. What is inverted is never below -1: the library's values
+// of inverted hexahedra grow with their size.
+std::vector<double> qualities_of(const mesh& m, const element_block& block);
+
+// Length, area or volume by the corners over the same power of the longest side of the element's box: no influence of
+// size. Solids are signed like their quality. Points have none: 1.
+inline constexpr double no_relative_size = 1e-12;  // what is not more has no size but for rounding
+std::vector<double> relative_sizes(const mesh& m, const element_block& block);
+
+// Volume inside the surface elements of a mesh, positive where they turn counter-clockwise seen from outside.
+double enclosed_volume(const mesh& m);
+
+// Of the nodes with finite coordinates; min above max where there is none.
+struct finite_box {
+    static constexpr double infinity = std::numeric_limits<double>::infinity();
+    std::array<double, 3> min{infinity, infinity, infinity};
+    std::array<double, 3> max{-infinity, -infinity, -infinity};
+
+    bool is_empty() const { return min[0] > max[0]; }
+    double diagonal() const;
+    // Grows to hold a node, if that has a finite place.
+    void enclose(const mesh& m, std::uint64_t node);
+};
+finite_box box_of(const mesh& m);
+
+// The distinct edges between corners, as the library lists them.
+connectivity edges_of(const mesh& m);
+// Length of each.
+std::vector<double> lengths_of(const mesh& m, const connectivity& edges);
+
+}  // namespace tool
+
+#endif
