@@ -109,8 +109,6 @@ std::string name_of(const testing::TestParamInfo<mesh_case>& row)
     return row.param.name;
 }
 
-const place high{1. / 3, 1. / 3, -1};  // below the face O X Y of the corner
-
 INSTANTIATE_TEST_SUITE_P(
     Solids, Examine,
     testing::Values(
