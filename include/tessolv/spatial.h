@@ -29,7 +29,8 @@ class kd_tree;
 /// found;                                                     // -> (5)
 /// @endcode
 /// @note Building is O(n log n) expected, a query O(log n) expected. Queries need no memory, except for the growth of
-///       the list of find_in_box, and may run at the same time as long as nobody inserts. No shared state.
+///       the list of find_in_box, and may run at the same time as long as nobody inserts. A detector holds about 58
+///       bytes a node of a mesh in space, 46 in the plane, more where many nodes coincide. No shared state.
 class TESSOLV_API node_detector {
 public:
     /// No tree: nothing is found and nothing can be inserted.
@@ -64,7 +65,8 @@ public:
     /// @param nodes  node numbers, in the order that is shuffled.
     /// @return how many were inserted; 0 without a tree. Less than the valid ones only without memory.
     /// @note O(k log n) for k nodes, expected. Nodes inserted one by one in ascending positions make a deep tree: pass
-    ///       them in one list.
+    ///       them in one list. A few nodes inserted into a large tree make its queries several times slower, since the
+    ///       grid that answers most of them is then left aside; reinit with all nodes brings it back.
     unsigned long insert(const dense1D<unsigned int>& nodes);
     /// The nodes of a matrix, each once, in the order in which they are met column by column.
     unsigned long insert(const dense2D<unsigned int>& connect);
