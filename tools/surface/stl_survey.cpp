@@ -1,11 +1,11 @@
-#include "stl_survey.h"
+#include "surface/stl_survey.h"
 
 #include <algorithm>
 #include <string_view>
 
 #include "errors.h"
-#include "stl_text.h"
-#include "stl_words.h"
+#include "surface/stl_text.h"
+#include "surface/stl_words.h"
 #include "words.h"
 
 namespace tool {

@@ -1,9 +1,9 @@
-#ifndef TOOLS_STL_WORDS_H
-#define TOOLS_STL_WORDS_H
+#ifndef TOOLS_SURFACE_STL_WORDS_H
+#define TOOLS_SURFACE_STL_WORDS_H
 
 #include <cstdint>
 
-#include "byte_source.h"
+#include "input/byte_source.h"
 
 namespace tool {
 

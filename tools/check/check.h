@@ -1,5 +1,5 @@
-#ifndef TOOLS_CHECK_H
-#define TOOLS_CHECK_H
+#ifndef TOOLS_CHECK_CHECK_H
+#define TOOLS_CHECK_CHECK_H
 
 #include <optional>
 #include <string>
@@ -8,7 +8,7 @@
 #include "commands/options.h"
 #include "exit_status.h"
 #include "findings/rules.h"
-#include "stl_format.h"
+#include "surface/stl_format.h"
 
 namespace tool {
 

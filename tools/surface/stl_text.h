@@ -1,9 +1,9 @@
-#ifndef TOOLS_STL_TEXT_H
-#define TOOLS_STL_TEXT_H
+#ifndef TOOLS_SURFACE_STL_TEXT_H
+#define TOOLS_SURFACE_STL_TEXT_H
 
 #include <cstdint>
 
-#include "byte_source.h"
+#include "input/byte_source.h"
 
 namespace tool {
 

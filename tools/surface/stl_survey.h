@@ -1,13 +1,13 @@
-#ifndef TOOLS_STL_SURVEY_H
-#define TOOLS_STL_SURVEY_H
+#ifndef TOOLS_SURFACE_STL_SURVEY_H
+#define TOOLS_SURFACE_STL_SURVEY_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "input_file.h"
-#include "stl_format.h"
+#include "input/input_file.h"
+#include "surface/stl_format.h"
 
 namespace tool {
 

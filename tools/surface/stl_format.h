@@ -1,9 +1,9 @@
-#ifndef TOOLS_STL_FORMAT_H
-#define TOOLS_STL_FORMAT_H
+#ifndef TOOLS_SURFACE_STL_FORMAT_H
+#define TOOLS_SURFACE_STL_FORMAT_H
 
 #include <cstdint>
 
-#include "input_file.h"
+#include "input/input_file.h"
 
 namespace tool {
 

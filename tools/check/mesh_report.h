@@ -1,5 +1,5 @@
-#ifndef TOOLS_MESH_REPORT_H
-#define TOOLS_MESH_REPORT_H
+#ifndef TOOLS_CHECK_MESH_REPORT_H
+#define TOOLS_CHECK_MESH_REPORT_H
 
 #include <string>
 #include <string_view>

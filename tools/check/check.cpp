@@ -1,18 +1,18 @@
-#include "check.h"
+#include "check/check.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <new>
 #include <utility>
 
+#include "check/mesh_report.h"
 #include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
-#include "json_report.h"
-#include "mesh_report.h"
-#include "surface_report.h"
+#include "surface/json_report.h"
+#include "surface/surface_report.h"
+#include "surface/text_report.h"
 #include "terminal.h"
-#include "text_report.h"
 #include "words.h"
 
 namespace tool {

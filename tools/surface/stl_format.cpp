@@ -1,4 +1,4 @@
-#include "stl_format.h"
+#include "surface/stl_format.h"
 
 #include <algorithm>
 #include <bit>
@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "byte_source.h"
 #include "errors.h"
-#include "stl_words.h"
+#include "input/byte_source.h"
+#include "surface/stl_words.h"
 
 namespace tool {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef TOOLS_INPUT_FILE_H
-#define TOOLS_INPUT_FILE_H
+#ifndef TOOLS_INPUT_INPUT_FILE_H
+#define TOOLS_INPUT_INPUT_FILE_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "surface_report.h"
+#include "surface/surface_report.h"
 
 #include "errors.h"
 #include "words.h"

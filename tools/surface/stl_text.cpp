@@ -1,4 +1,4 @@
-#include "stl_text.h"
+#include "surface/stl_text.h"
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "json_report.h"
+#include "surface/json_report.h"
 
 #include <nlohmann/json.hpp>
 

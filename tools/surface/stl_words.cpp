@@ -1,4 +1,4 @@
-#include "stl_words.h"
+#include "surface/stl_words.h"
 
 #include <string_view>
 

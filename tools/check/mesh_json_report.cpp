@@ -1,8 +1,8 @@
 #include <nlohmann/json.hpp>
 
+#include "check/mesh_report.h"
 #include "findings/words_of_ids.h"
 #include "mesh/kinds.h"
-#include "mesh_report.h"
 
 namespace tool {
 namespace {

@@ -1,12 +1,12 @@
-#ifndef TOOLS_BYTE_SOURCE_H
-#define TOOLS_BYTE_SOURCE_H
+#ifndef TOOLS_INPUT_BYTE_SOURCE_H
+#define TOOLS_INPUT_BYTE_SOURCE_H
 
 #include <algorithm>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "input_file.h"
+#include "input/input_file.h"
 
 namespace tool {
 

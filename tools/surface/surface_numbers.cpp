@@ -1,4 +1,4 @@
-#include "surface_numbers.h"
+#include "surface/surface_numbers.h"
 
 #include <algorithm>
 #include <cmath>

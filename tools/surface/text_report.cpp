@@ -1,4 +1,4 @@
-#include "text_report.h"
+#include "surface/text_report.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "stl_format.h"
+#include "surface/stl_format.h"
 
 #include <cstdint>
 #include <random>

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "check/mesh_report.h"
 #include "findings/words_of_ids.h"
 #include "mesh/kinds.h"
-#include "mesh_report.h"
 #include "words.h"
 
 namespace tool {
