@@ -2,7 +2,7 @@
 #include <limits>
 #include <memory>
 
-#include "check.h"
+#include "check/check.h"
 #include "commands/command.h"
 #include "commands/files.h"
 #include "commands/tables.h"

@@ -2,12 +2,13 @@
 
 #include <utility>
 
+#include "check/mesh_report.h"
+#include "check/mesh_report.h"
 #include "commands/files.h"
-#include "json_report.h"
 #include "mesh/kinds.h"
-#include "mesh_report.h"
-#include "surface_report.h"
-#include "text_report.h"
+#include "surface/json_report.h"
+#include "surface/surface_report.h"
+#include "surface/text_report.h"
 #include "words.h"
 
 namespace tool {

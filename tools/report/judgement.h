@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "check.h"
+#include "check/check.h"
 #include "findings/examine.h"
 #include "mesh/mesh.h"
 
