@@ -197,8 +197,8 @@ async function testGroups(subject) {
 async function testNothing(subject) {
   const page = await open(subject);
   await compareNumbers(page, subject, 2);
-  equal((await picture(page)).share, 0, `${subject.name}: share of the picture`);
-  await press(page, "ArrowLeft", "+", "n", "e", "0");
+  expect(!await page.locator("canvas").isVisible(), `${subject.name}: a picture of nothing`);
+  expect(await page.getByText("There is nothing to draw.").isVisible(), `${subject.name}: nothing is said`);
   await page.context().close();
 }
 
@@ -206,7 +206,11 @@ async function testBroken(subject) {
   const page = await open(subject);
   await compareNumbers(page, subject, 15);
   expect((await picture(page)).share > 0.05, "the sound triangle is not drawn");
-  for (const link of await page.locator("#findings .mark").all()) await link.click();
+  for (const link of await page.locator("#findings .mark").all()) {
+    await link.click();
+    equal(await chosen(page), await link.textContent(), "what is chosen");
+    expect(!(await page.textContent("#selected")).includes("inside"), "a triangle is said to be inside");
+  }
   await page.context().close();
 }
 

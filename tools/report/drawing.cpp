@@ -63,14 +63,18 @@ private:
         faces.for_each([&](std::span<const face_side> sides) {
             if (sides.size() != 1) return;
             const face_side& side = sides.front();
-            const auto under = std::ranges::equal_range(patches, side.nodes, {}, key);
-            for (const surface_element& p : under) covered_[p.place] = true;
+            const auto under = std::ranges::lower_bound(patches, side.nodes, {}, key);
+            std::uint32_t patch = drawing::none;
+            for (auto p = under; p != patches.end() && p->key == side.nodes; ++p) {
+                covered_[p->place] = true;
+                patch = origin_of(under->place);
+            }
             const std::size_t b = places_.block_of(side.element);
             const local_face& face = faces_of(m_.blocks[b].type)[side.face];
             const unsigned int* nodes = &m_.blocks[b].connect(0, side.element - places_.first(b));
             unsigned int ring[4];
             for (unsigned int i = 0; i < face.width; ++i) ring[i] = nodes[face.nodes[i]];
-            add_face(ring, face.width, side.element, under.empty() ? drawing::none : origin_of(under.front().place));
+            add_face(ring, face.width, side.element, patch);
         });
     }
 

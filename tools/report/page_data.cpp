@@ -108,7 +108,7 @@ public:
                     append(places, nodes[i]);
                 object["kind"] = b;
                 if (std::isfinite(mark.quality)) object["quality"] = mark.quality;
-                object["inside"] = !d_.is_outside[mark.id];
+                object["inside"] = info_of(m_.blocks[b].type).dimension == 3 && !d_.is_outside[mark.id];
             }
             marks.push_back(object);
         }

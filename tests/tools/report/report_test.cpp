@@ -32,7 +32,7 @@ using test::tessolv;
 
 using strings = std::vector<std::string>;
 
-const place O{0, 0, 0}, X{1, 0, 0}, Y{0, 1, 0}, Z{0, 0, 1}, XY{1, 1, 0};
+const place O{0, 0, 0}, X{1, 0, 0}, Y{0, 1, 0}, XY{1, 1, 0};
 
 struct report : testing::Test {
     temporary_folder folder;

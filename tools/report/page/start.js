@@ -13,6 +13,7 @@ class Page {
     }));
     this.canvas = document.querySelector("canvas");
     this.markOf = new Map(data.marks.map(mark => [mark.name, mark]));
+    if (data.places.length === 0 && data.marks.length === 0) return;  // the words below say that there is nothing
     document.querySelector(".tools").hidden = document.querySelector(".stage").hidden = false;
     this.stage = new Stage(this.canvas, data);
     this.makeModes();
@@ -109,7 +110,8 @@ class Page {
   words(item) {
     const { centre, scale, faults } = this.data;
     const sound = item.corners.filter(c => c.every(Number.isFinite));
-    const middle = [0, 1, 2].map(k => short(centre[k] + scale * sound.reduce((sum, c) => sum + c[k], 0) / sound.length));
+    const at = k => centre[k] + scale * sound.reduce((sum, c) => sum + c[k], 0) / sound.length;
+    const middle = [0, 1, 2].map(k => short(Math.abs(at(k)) < 1e-6 * scale ? 0 : at(k)));  // single precision has no more
     const lines = [];
     if (item.kind !== undefined) lines.push(item.quality === undefined ? "no quality" : `quality ${short(item.quality)}`);
     if (item.part !== undefined && item.part !== NONE) lines.push(`part ${item.part + 1}`);
@@ -117,7 +119,7 @@ class Page {
     if (item.patch !== undefined && item.patch !== NO_GROUP) lines.push(`on the boundary group ${this.data.groups[item.patch]}`);
     if (item.inside) lines.push("inside the mesh");
     lines.push(sound.length ? `at ${middle.join(", ")}` : "has no place that could be shown");
-    if (item.faults?.length) lines.push(`among: ${item.faults.map(f => faults[f]).join("; ")}`);
+    if (item.faults?.length) lines.push(`listed under ${item.faults.map(f => faults[f]).join("; ")}`);
     const name = Object.assign(document.createElement("strong"), { textContent: item.name });
     return [name, ...lines.map(line => Object.assign(document.createElement("div"), { textContent: line }))];
   }
