@@ -84,6 +84,15 @@ TEST(ExamineRules, SetTheDistanceOfCoincidentNodes)
               "coincident_node 1 (node 4); ~open_edge 6 (triangle 1 2); ~parts 2; 2");
 }
 
+TEST(ExamineRules, HoldForABoxWhoseDiagonalIsBeyondAllNumbers)
+{
+    constexpr double far = 1.7e308;
+    const mesh m = mesh_by_hand({{-far, 0, 0}, {far, 0, 0}, {0, far, 0}}, 2).with(EL_EDGE2, {{0, 1}, {1, 2}});
+    const tool::rules base = tool::rules_of_profile("default");
+    EXPECT_EQ(told(m, examine(m, base)), "ok; 1");
+    EXPECT_EQ(told(m, examine(m, tool::rules_from_json(R"({"coincident": 0})", base))), "ok; 1");
+}
+
 TEST(ExamineNumbers, AreThoseOfTheMesh)
 {
     const mesh m = mesh_by_hand(tower).with(EL_HEXA8, {{0, 1, 2, 3, 4, 5, 6, 7}, {4, 5, 6, 7, 8, 9, 10, 11}});
