@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include <cstdint>
+#include <utility>
 
 #include <tessolv/tessolv.h>
 
@@ -49,6 +50,13 @@ double seconds(F f)
 
 }  // namespace
 
+// A detector with the coordinates that it refers to.
+struct searched_points {
+    explicit searched_points(dense2D<double>&& all) : points(std::move(all)), detector(points) {}
+    dense2D<double> points;
+    node_detector detector;
+};
+
 // What every function gets: coordinates, elements, neighbours, edges, and a list of all nodes turned round.
 struct mesh_arrays {
     double* pos;
@@ -83,7 +91,7 @@ struct mesh_arrays {
     auto surface_points() const { return matrix(surface_pos, surface_nodes, 3); }
     auto surface() const { return matrix(triangles, triangle_count, 3); }
     auto targets() const { return matrix(queries, nodes, dimension); }
-    const node_detector& tree() const { return *static_cast<const node_detector*>(detector); }
+    const node_detector& tree() const { return static_cast<const searched_points*>(detector)->detector; }
 };
 
 extern "C" {
@@ -146,12 +154,12 @@ double node_detector_seconds(const mesh_arrays* m)
 
 const void* new_detector(const mesh_arrays* m)
 {
-    return new node_detector(m->points());
+    return new searched_points{m->points()};
 }
 
 void delete_detector(const void* detector)
 {
-    delete static_cast<const node_detector*>(detector);
+    delete static_cast<const searched_points*>(detector);
 }
 
 double closest_seconds(const mesh_arrays* m)
@@ -249,9 +257,11 @@ double count_unique_indices_seconds(const mesh_arrays* m)
 
 double permutation_seconds(const mesh_arrays* m)
 {
-    auto values = m->all_nodes();
+    const auto given = m->all_nodes();
     const auto perm = m->all_nodes();
+    dense1D<unsigned> values;
     return seconds([&] {
+        values.copy(given);  // Python leaves its argument alone
         permutation(values, perm);
         return 0;
     });

@@ -218,7 +218,9 @@ class Bench:
         self.surface_pos, self.triangles = sheet(len(self.connect))
         self.stl, self.obj = folder / "skin.stl", folder / "skin.obj"
         ts.STL_output(self.stl, self.surface_pos, self.triangles, False)
-        ts.WavefrontOBJ_output(self.obj, self.surface_pos, tria_connect=self.triangles)
+        with open(self.obj, "w") as file:
+            np.savetxt(file, self.surface_pos, "v %.9g %.9g %.9g")
+            np.savetxt(file, self.triangles + 1, "f %d %d %d")
         self.detector = ts.NodeDetector()
         self.tree = cKDTree(self.pos)
 
@@ -275,7 +277,7 @@ class Bench:
             Case("count_unique_indices", lambda: ts.count_unique_indices(connect), {"NumPy": lambda: len(np.unique(connect))}),
             Case("change_indices", lambda: ts.change_indices(connect, identity, out=connect),
                  {"NumPy": lambda: identity.take(connect)}),
-            Case("permutation", lambda: ts.permutation(identity, identity, out=identity),
+            Case("permutation", lambda: ts.permutation(identity, identity),
                  {"NumPy": lambda: np.put(identity, identity, identity)}),
             Case("get_IDs", lambda: ts.get_IDs(connect, connect, raw=True), {"NumPy": lambda: numpy_find(connect)}),
             Case("append", lambda: ts.append(connect, connect), {"NumPy": lambda: np.concatenate([connect, connect])}),

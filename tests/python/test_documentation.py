@@ -5,6 +5,7 @@ import doctest
 import importlib
 import inspect
 import io
+import os
 import pkgutil
 import re
 import runpy
@@ -111,7 +112,8 @@ def test_ten_lines_from_gmsh_to_paraview(tmp_path):
     geometry = ROOT / "tests" / "python" / "data" / "solids.geo"
     subprocess.run(["gmsh", "-3", str(geometry), "-o", str(tmp_path / "fresh.msh")], check=True, capture_output=True)
     run = [sys.executable, str(script), "fresh.msh", "fresh.vtu"]
-    printed = subprocess.run(run, cwd=tmp_path, check=True, capture_output=True, text=True).stdout
+    environment = {**os.environ, "PYTHONPATH": str(Path(ts.__file__).absolute().parents[1])}
+    printed = subprocess.run(run, cwd=tmp_path, check=True, capture_output=True, text=True, env=environment).stdout
     worst, verdict = printed.split("\n\n", 1)[0].splitlines()[:11], printed.splitlines()[-1]
     assert worst[0].startswith("type") and all(float(line.split()[2]) > 0 for line in worst[1:]) and len(worst) == 11
     assert verdict.startswith("CLEAN: ")
