@@ -133,8 +133,9 @@ private:
         if (rules_.of(fault::coincident_node) == severity::off) return;
 
         zeb::dense1D<unsigned int> survivors;
-        const double diagonal = std::min(result_.box.diagonal(), std::numeric_limits<double>::max());
-        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * diagonal), "merge");
+        const double diagonal = result_.box.diagonal();  // no number for a box beyond all numbers
+        const double reach = std::isfinite(diagonal) ? diagonal : std::numeric_limits<double>::max();
+        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * reach), "merge");
         places merged;
         for (unsigned int j = 0; j < survivors.size; ++j)
             if (survivors[j] != j) merged.push_back(j);
