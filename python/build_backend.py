@@ -54,7 +54,7 @@ def installed_package(prefix):
         options |= {f"TESSOLV_BUILD_{part}": "OFF" for part in ("TESTS", "TOOLS", "EXAMPLES")}
         run("cmake", "-S", ".", "-B", folder, *(f"-D{name}={value}" for name, value in options.items()))
     run("cmake", "--build", folder, "--target", "tessolv_python", "-j", os.cpu_count() or 1)
-    run("cmake", "--install", folder, "--component", "python", "--prefix", prefix)
+    run("cmake", "--install", folder, "--component", "python", "--prefix", prefix, "--strip")
     return next(Path(prefix).rglob("tessolv/__init__.py")).parent
 
 
