@@ -103,7 +103,9 @@ def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
         # What cannot be told is left to the reader, which says what is wrong.
         is_text, in_file, read = _tessolv.survey_stl(os.fsencode(path)) or (True, 0, 0)
         pos, connect = STL_input(path, is_text)
-        return Parts(pos, {ElementType.TRIA3: connect}, facets=Facets(max(in_file, len(connect)), max(read, len(connect)), len(connect)))
+        kept = len(connect)
+        facets = Facets(max(in_file, kept), max(read, kept), kept)
+        return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
     if ending == ".obj":
         part = WavefrontOBJ_input(path)
         faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}

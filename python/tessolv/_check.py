@@ -157,7 +157,8 @@ class Verdict:
                 for row in rows.tolist():
                     first.setdefault((type, row), fault.code)
         all_bad = [BadElement(type, row, code, float(self.qualities[type][row])) for (type, row), code in first.items()]
-        return sorted(all_bad, key=lambda bad: (-np.inf if np.isnan(bad.quality) else bad.quality, bad.type, bad.element))
+        worst = {bad: -np.inf if np.isnan(bad.quality) else bad.quality for bad in all_bad}
+        return sorted(all_bad, key=lambda bad: (worst[bad], bad.type, bad.element))
 
     def to_dict(self) -> Dict[str, Any]:
         """The fields of `tessolv check --json` but `file` and `format`; nodes and elements by their rows, from 0 on."""
@@ -183,7 +184,7 @@ class Verdict:
         return f"<tessolv.Verdict: {self._line()}>"
 
     def __str__(self) -> str:
-        lines = [f"{self.nodes} nodes, " + ", ".join(_counted(type, kind.count) for type, kind in self.kinds.items())]
+        lines = [", ".join([f"{self.nodes} nodes", *self._counts()])]
         measured = {type: kind for type, kind in self.kinds.items() if kind.min is not None}
         if measured:
             head = "".join(f"{name:>9}" for name in _COLUMNS)
@@ -199,15 +200,21 @@ class Verdict:
             lines.append(f"... {len(bad) - _SHOWN} more")
         return "\n".join([*lines, "", self._line()])
 
+    def _counts(self) -> List[str]:
+        return [_counted(type, kind.count) for type, kind in self.kinds.items()]
+
     def _line(self) -> str:
         if self.is_clean:
-            return "CLEAN: " + ", ".join(_counted(type, kind.count) for type, kind in self.kinds.items())
+            return "CLEAN: " + ", ".join(self._counts())
         return "NOT CLEAN: " + ", ".join(fault.text for fault in self.findings)
 
     def _repr_html_(self) -> str:
         faults = [(fault.level, fault.text, _share(fault), _words(fault)) for fault in self.faults]
         bad = [(b.type.name, str(b.element), f"{b.quality:.4f}", b.code) for b in self.bad_elements()[:_SHOWN]]
-        kinds = [(t.name, str(k.count), *(_numbers(k) if k.min is not None else [""] * 8)) for t, k in self.kinds.items()]
+        kinds = [
+            (type.name, str(kind.count), *(_numbers(kind) if kind.min is not None else [""] * 8))
+            for type, kind in self.kinds.items()
+        ]
         return (
             f"<p><b>{escape(self._line())}</b></p>"
             + _table(("", "number", *_COLUMNS), kinds)

@@ -194,7 +194,8 @@ def test_surfaces_of_stl_files_are_judged_as_by_the_program(tmp_path):
         lost = theirs["facets_in_file"] - theirs["triangles"]
         assert mesh.facets and mesh.facets.in_file - mesh.facets.kept == lost, path
         assert [sum(f.count for f in verdict.faults if f.code == "not_read")] == [lost], path
-        for code, name in {"duplicate": "duplicates", "open_edge_of_stl": "free_edges", "nonmanifold": "nonmanifold_edges"}.items():
+        names = {"duplicate": "duplicates", "open_edge_of_stl": "free_edges", "nonmanifold": "nonmanifold_edges"}
+        for code, name in names.items():
             assert counts.get(code, 0) == theirs[name], (path, code)
         assert (verdict.parts, verdict.is_clean) == (theirs["parts"], theirs["verdict"] == "clean"), path
 
