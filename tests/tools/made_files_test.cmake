@@ -1,5 +1,5 @@
-# The example files in the repository are what their script makes:
-# cmake -DSCRIPT=file -DFILES=names -DWORK=folder -P make_parts_test.cmake
+# Files in the repository, beside a Python script, are what the script makes:
+# cmake -DSCRIPT=file [-DPROGRAM=its first argument] -DFILES=names -DWORK=folder -P made_files_test.cmake
 find_program(python NAMES python3)
 if(NOT python)
   message("SKIPPED: there is no python3 to make the files with")
@@ -7,7 +7,7 @@ if(NOT python)
 endif()
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
-execute_process(COMMAND ${python} ${SCRIPT} ${WORK} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${python} -B ${SCRIPT} ${PROGRAM} ${WORK} COMMAND_ERROR_IS_FATAL ANY)
 cmake_path(GET SCRIPT PARENT_PATH folder)
 foreach(file IN LISTS FILES)
   execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${folder}/${file} ${WORK}/${file} RESULT_VARIABLE differs)
