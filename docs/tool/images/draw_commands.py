@@ -17,7 +17,7 @@ from pathlib import Path
 from drawing import (BLUE, GREEN, GREY, INK, ORANGE, PINK, RED, SKY, YELLOW, Mesh, Picture, View, on_scale)
 
 HERE = Path(__file__).resolve().parent
-MESHES = HERE.parents[1] / 'examples' / 'meshes'
+MESHES = HERE.parents[2] / 'examples' / 'meshes'
 KINDS = {10: (ORANGE, 'tetrahedra'), 12: (BLUE, 'hexahedra'), 13: (GREEN, 'wedges'), 14: (PINK, 'pyramids')}
 FRONT, BELOW = (-32, 28), (-125, -24)  # azimuth and elevation of the eye
 
