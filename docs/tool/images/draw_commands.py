@@ -300,7 +300,28 @@ def clip(tool):
     return picture
 
 
-PICTURES = (info, check, quality, convert, weld, clean, boundary, edges, neighbors, parts, transform, clip)
+def tutorial(tool):
+    faulty, surface = tool.file('bracket.stl'), tool.file('surface.msh')
+    tool.run('quality bracket.msh --quiet --output measured.msh')
+    tool.run('clip measured.msh --point 0 12 0 --normal 0 1 0 --quiet --output cut.msh')
+    inside = tool.mesh('boundary cut.msh')
+    groups = {1: SKY, 2: ORANGE, 3: GREEN, 4: PINK, 5: GREY}
+    picture = Picture(330, [280, 280, 280])
+    eyes = (-125, -18), (-140, 24), (-62, 20)
+    views = [View(*eye, surface.points, picture.box(card, 28)) for card, eye in enumerate(eyes)]
+    views[0].surface(faulty, lambda c: GREY)
+    count = open_edges(tool, 'bracket.stl', views[0])
+    picture.heading(0, 'bracket.stl', f'{count} open edges and other faults')
+    views[1].surface(surface, lambda c: groups[surface.fields['group'][c]])
+    picture.heading(1, 'surface.msh', 'closed, with the names of its faces')
+    views[2].surface(inside, coloured(inside, 'quality', 0.2, 1))
+    picture.heading(2, 'bracket.msh', 'tetrahedra, cut open')
+    for view in views:
+        picture.view(view)
+    return picture
+
+
+PICTURES = (tutorial, info, check, quality, convert, weld, clean, boundary, edges, neighbors, parts, transform, clip)
 
 
 def main():

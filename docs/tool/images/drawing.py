@@ -1,6 +1,7 @@
 """Meshes in VTK files as drawings in SVG, for the scripts beside this file. Standard library only."""
 
 import math
+import re
 from collections import defaultdict
 from html import escape
 from itertools import groupby
@@ -132,8 +133,14 @@ class View:
                 return
             normal = tuple(-x for x in normal)
         light = 0.30 * (1 - max(0.0, 0.35 + 0.65 * dot(normal, self.lamp())))
-        path = 'M' + ' '.join(map(self.place, corners)) + 'z'
-        self.add(middle(corners), path, nearer, mixed(colour, '#101820', light))
+        self.add(middle(corners), self.outline(corners), nearer, mixed(colour, '#101820', light))
+
+    def outline(self, corners):
+        """A closed path, from corner to corner in tenths of the unit: short, for there are hundreds."""
+        tenths = [[round(10 * float(c)) for c in self.place(point).split()] for point in corners]
+        steps = [b - a for p, q in zip(tenths, tenths[1:]) for a, b in zip(p, q)]
+        numbers = ' '.join(f'{step / 10:g}' for step in steps)
+        return f'M{self.place(corners[0])}l' + re.sub(r'\b0\.', '.', numbers).replace(' -', '-') + 'z'
 
     def lamp(self):
         """Light from above, left of the eye, whichever side is seen."""
