@@ -24,7 +24,7 @@ std::vector<writable_block> writable_blocks(const mesh& m, std::string_view form
             add(block, block.type);
         } else if (!options.lossy && info_of(block.type).dimension == dimension) {
             throw unwritable(std::string(format) + " cannot hold " + told + "; --lossy writes what it can" +
-                             (dimension == 3 && holds(zeb::EL_TRIA3) ? ", 'boundary' makes the surface" : ""));
+                             (dimension == 3 && !holds(zeb::EL_TETRA4) ? ", 'boundary' makes the surface" : ""));
         } else if (holds(corners)) {
             add(block, corners);
             options.note(told + " written by their corners");
