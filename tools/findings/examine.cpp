@@ -133,8 +133,8 @@ private:
         if (rules_.of(fault::coincident_node) == severity::off) return;
 
         zeb::dense1D<unsigned int> survivors;
-        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * result_.box.diagonal()),
-                "merge");
+        const double diagonal = std::min(result_.box.diagonal(), std::numeric_limits<double>::max());
+        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * diagonal), "merge");
         places merged;
         for (unsigned int j = 0; j < survivors.size; ++j)
             if (survivors[j] != j) merged.push_back(j);
