@@ -133,9 +133,8 @@ private:
         if (rules_.of(fault::coincident_node) == severity::off) return;
 
         zeb::dense1D<unsigned int> survivors;
-        const double diagonal = result_.box.diagonal();  // no number for a box beyond all numbers
-        const double reach = std::isfinite(diagonal) ? diagonal : std::numeric_limits<double>::max();
-        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * reach), "merge");
+        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, result_.box.share_of_diagonal(rules_.coincident)),
+                "merge");
         places merged;
         for (unsigned int j = 0; j < survivors.size; ++j)
             if (survivors[j] != j) merged.push_back(j);

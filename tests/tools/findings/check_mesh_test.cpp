@@ -45,6 +45,16 @@ struct check_mesh : testing::Test {
     }
 };
 
+TEST_F(check_mesh, TakesCoordinatesWhoseDistanceIsNoNumber)
+{
+    const tool::mesh m =
+        mesh_by_hand({{1e308, 0, 0}, {-1e308, 0, 0}, {-1e308, 1e308, 0}}).with(zeb::EL_TRIA3, {{0, 1, 2}});
+    write_mesh(m, folder.path("in.vtu"));
+    const run_result result = tessolv({"check", "--quiet", folder.path("in.vtu")});
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.find("coincident"), std::string::npos) << result.out;
+}
+
 TEST_F(check_mesh, GivesTheStatusOfTheVerdict)
 {
     const std::string sound = folder.write("sound.mesh", sound_medit);
