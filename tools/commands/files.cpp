@@ -29,6 +29,7 @@ void print(const std::string& text)
 
 void complain(const std::string& file, const std::string& reason)
 {
+    std::fflush(stdout);  // what was told before stands before, also where both streams lead to one file
     std::fprintf(stderr, "tessolv: %s: %s\n", printable(file).c_str(), printable(reason).c_str());
 }
 

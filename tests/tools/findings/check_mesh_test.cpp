@@ -82,6 +82,12 @@ TEST_F(check_mesh, TellsFaultsAndRulesForPeople)
         EXPECT_NE(out.find(line), std::string::npos) << line << " is not in\n" << out;
 }
 
+TEST_F(check_mesh, CallsAllOfThemAHundredPercent)
+{
+    const std::string all = file(mesh_by_hand(corner).with(zeb::EL_TETRA4, {{0, 1, 2, 3}}), "all.msh");
+    EXPECT_NE(tessolv({"check", all}).out.find("\n! 1 inverted element, 100 %: tetra 1\n"), std::string::npos);
+}
+
 TEST_F(check_mesh, TellsTheSameAsData)
 {
     const json object = json::parse(tessolv({"check", "--json", file(faulty(), "bad.msh")}).out);

@@ -39,7 +39,8 @@ const SURFACE = {
       near *= 1.0 - smoothstep(0.12, 0.45, wide.zxy);  // triangles of a few pixels would be all edge
       near *= vec3(sides & 1, sides >> 1 & 1, sides >> 2 & 1);
       float edge = edges * 0.45 * max(near.x, max(near.y, near.z));
-      result = vec4(mix(painted.rgb, vec3(0.05, 0.07, 0.10), edge), max(opacity, opacity > 0.0 ? edge * opacity * 1.5 : 0.0));
+      vec3 ink = dot(painted.rgb, vec3(0.30, 0.59, 0.11)) < 0.17 ? vec3(0.70, 0.72, 0.78) : vec3(0.05, 0.07, 0.10);
+      result = vec4(mix(painted.rgb, ink, edge), max(opacity, opacity > 0.0 ? edge * opacity * 1.5 : 0.0));
     }`,
 };
 
