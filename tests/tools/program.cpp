@@ -36,6 +36,10 @@ void redirect(const std::string& path, int descriptor)
         const rlimit limit{*options.memory, *options.memory};
         if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
     }
+    if (options.file_size) {
+        const rlimit limit{*options.file_size, *options.file_size};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+    }
     std::vector<std::string> environment = options.environment;  // the first entry of a name counts
     for (const char* entry : {"LC_ALL=C", "TERM=xterm", "ASAN_OPTIONS=allocator_may_return_null=1"})
         environment.emplace_back(entry);

@@ -9,6 +9,8 @@
 #include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
+#include "formats/file_beside.h"
+#include "progress.h"
 #include "surface/json_report.h"
 #include "surface/surface_report.h"
 #include "surface/text_report.h"
@@ -28,16 +30,22 @@ rules rules_of(const check_options& options)
     return rules_from_json(text, base);
 }
 
+// The library's own writer, whose file is seen once it is whole.
 exit_status write_vtk(const std::string& path, const surface& surface)
 {
-    const int result = zeb::tessolv::vtk_output(path.c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
-    constexpr int cannot_write = -1;
-    if (result == cannot_write) {
+    try {
+        progress::stage("writing", path);
+        file_beside file(path);
+        constexpr int cannot_write = -1;
+        const int result = zeb::tessolv::vtk_output(file.name().c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
+        if (result == cannot_write) throw unwritable("cannot be written");
+        checked(result, "vtk_output");
+        file.commit();
+        return exit_clean;
+    } catch (const unwritable&) {
         complain(path, "cannot be written");
         return exit_unwritable;
     }
-    checked(result, "vtk_output");
-    return exit_clean;
 }
 
 class checker {
@@ -50,7 +58,9 @@ public:
     // Whatever happens to one file, the next ones are still looked at.
     exit_status run(const std::string& path)
     {
+        const progress shown(!shared_.json && !shared_.quiet, path);
         try {
+            progress::stage("reading", path);
             return is_surveyed(path) ? check_facets(path) : check_mesh(path);
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());

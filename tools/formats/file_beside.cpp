@@ -67,6 +67,11 @@ file_beside::file_beside(const std::string& path) : path_(resolved(path))
     const bool exists = stat(path_.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) throw unwritable("is a directory");
     if (exists && access(path_.c_str(), W_OK) != 0) throw_last_error();
+    in_place_ = exists && !S_ISREG(status.st_mode);
+    if (in_place_) {
+        name_ = path_;
+        return;
+    }
     std::string name = path_ + ".part-XXXXXX";
     if (name.size() >= unfinished.size()) throw unwritable("the name is too long");
     remove_on_signals();
@@ -81,13 +86,14 @@ file_beside::file_beside(const std::string& path) : path_(resolved(path))
 
 file_beside::~file_beside()
 {
-    if (name_.empty()) return;
+    if (name_.empty() || in_place_) return;
     unlink(name_.c_str());
     unfinished[0] = '\0';
 }
 
 void file_beside::commit()
 {
+    if (in_place_) return;
     if (rename(name_.c_str(), path_.c_str()) != 0) throw_last_error();
     unfinished[0] = '\0';
     name_.clear();
