@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -33,12 +34,12 @@ files files_in(const temporary_folder& folder)
     return all;
 }
 
-// A sheet of 2 x 40 x 40 triangles whose columns of squares lie a millionth apart.
-std::string torn_sheet()
+// A sheet of 2 x size x size triangles whose columns of squares lie a millionth apart.
+std::string torn_sheet(int size = 40)
 {
     std::vector<test::facet> facets;
-    for (int i = 0; i < 40; ++i) {
-        for (int j = 0; j < 40; ++j) {
+    for (int i = 0; i < size; ++i) {
+        for (int j = 0; j < size; ++j) {
             const auto x = static_cast<float>(i) * 1.000001f;
             const auto y = static_cast<float>(j);
             const test::corner a{x, y, 0}, b{x + 1, y, 0}, c{x + 1, y + 1, 0}, d{x, y + 1, 0};
@@ -52,6 +53,11 @@ struct writing_case {
     strings arguments;  // of the program, after the input
     strings outputs;    // that it writes
 };
+
+void PrintTo(const writing_case& c, std::ostream* out)
+{
+    *out << testing::PrintToString(c.arguments);
+}
 
 class EveryWriter : public testing::TestWithParam<writing_case> {};
 
@@ -99,6 +105,22 @@ INSTANTIATE_TEST_SUITE_P(
                     writing_case{{"weld", "--tolerance", "1e-3", "--map", "map.csv", "--output", "out.mesh"},
                                  {"map.csv", "out.mesh"}}),
     [](const auto& row) { return row.param.arguments[0] + std::to_string(row.index); });
+
+TEST(Outputs, AreNotLeftHalfWrittenByAnInterrupt)
+{
+    const temporary_folder input;
+    const std::string path = input.write("in.stl", torn_sheet(250));
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        const temporary_folder folder;
+        const run_result result = tessolv({"convert", path, "--output", folder.path("out.mesh"), "--ascii"},
+                                          {.interrupted_in = folder.path("")});
+        if (result.status == 0) continue;  // it was done before
+        EXPECT_EQ(result.status, 128 + SIGINT);
+        EXPECT_TRUE(files_in(folder).empty());
+        return;
+    }
+    ADD_FAILURE() << "the program was never seen writing";
+}
 
 TEST(Outputs, OfEveryKindOverwriteAnInputOnlyWhenForced)
 {

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
 #include <stdexcept>
 
 #include "tools/stl_files.h"
@@ -48,6 +50,26 @@ void redirect(const std::string& path, int descriptor)
     _exit(127);
 }
 
+bool grows_in(const std::string& folder)
+{
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().filename().string().find(".part-") != std::string::npos) return true;
+    return false;
+}
+
+// Leaves the child to be waited for.
+void interrupt_while_writing(pid_t child, const std::string& folder)
+{
+    siginfo_t ended{};
+    while (waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid == 0) {
+        if (grows_in(folder)) {
+            kill(child, SIGINT);
+            return;
+        }
+        usleep(500);
+    }
+}
+
 }  // namespace
 
 run_result tessolv(const std::vector<std::string>& arguments, const run_options& options)
@@ -58,6 +80,7 @@ run_result tessolv(const std::vector<std::string>& arguments, const run_options&
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("no process");
     if (child == 0) become_tessolv(arguments, options, out, err);
+    if (!options.interrupted_in.empty()) interrupt_while_writing(child, options.interrupted_in);
 
     int state = 0;
     waitpid(child, &state, 0);

@@ -1,4 +1,5 @@
 #include <chrono>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,11 @@ struct colour_case {
     bool on_terminal;
     bool coloured;
 };
+
+void PrintTo(const colour_case& c, std::ostream* out)
+{
+    *out << testing::PrintToString(c.options) << testing::PrintToString(c.environment) << c.on_terminal;
+}
 
 class Colour : public testing::TestWithParam<colour_case> {};
 
