@@ -20,14 +20,12 @@
 namespace tool {
 namespace {
 
-rules rules_of(const check_options& options)
+// What cannot be opened, or tells nothing of itself, goes the way of STL too if its name says so.
+bool is_stl_file(const std::string& path, const std::optional<std::string>& format)
 {
-    const rules base = rules_of_profile(options.profile.value_or("default"));
-    if (!options.rules_file) return base;
-    const source from = source::open(*options.rules_file);
-    std::string text(from.size(), '\0');
-    from.read_at(0, text.data(), text.size());
-    return rules_from_json(text, base);
+    const source from = source::open(path);
+    if (from.size() == 0) return true;
+    return input_format(from, format).name == "stl";
 }
 
 // The library's own writer, whose file is seen once it is whole.
@@ -61,7 +59,7 @@ public:
         const progress shown(!shared_.json && !shared_.quiet, path);
         try {
             progress::stage("reading", path);
-            return is_surveyed(path) ? check_facets(path) : check_mesh(path);
+            return is_told_by_facets(path, options_) ? check_facets(path) : check_mesh(path);
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
             complain(failed.file, failed.reason);
@@ -73,21 +71,6 @@ public:
     }
 
 private:
-    // Whether the facets of the file are told, as the library's own reader takes them.
-    bool is_surveyed(const std::string& path) const
-    {
-        if (options_.is_general() || path == "-") return false;
-        return options_.stl || is_stl_file(path);
-    }
-
-    // What cannot be opened, or tells nothing of itself, goes the way of STL too if its name says so.
-    bool is_stl_file(const std::string& path) const
-    {
-        const source from = source::open(path);
-        if (from.size() == 0) return true;
-        return input_format(from, shared_.format).name == "stl";
-    }
-
     exit_status check_facets(const std::string& path)
     {
         const input_file file(path);
@@ -151,13 +134,33 @@ private:
 
 }  // namespace
 
+rules rules_in_force(const check_options& options)
+{
+    const std::string named = options.rules_file.value_or("--profile");
+    try {
+        rules base = rules_of_profile(options.profile.value_or("default"));
+        if (!options.rules_file) return base;
+        const source from = source::open(*options.rules_file);
+        std::string text(from.size(), '\0');
+        from.read_at(0, text.data(), text.size());
+        return rules_from_json(text, base);
+    } catch (const std::exception&) {
+        throw failure_of(named, std::current_exception());
+    }
+}
+
+bool is_told_by_facets(const std::string& path, const check_options& options)
+{
+    if (options.is_general() || path == "-") return false;
+    return options.stl || is_stl_file(path, options.shared.format);
+}
+
 exit_status check(const check_options& options)
 {
     rules by;
     try {
-        by = rules_of(options);
-    } catch (const std::exception&) {
-        const failure failed = failure_of(options.rules_file.value_or("--profile"), std::current_exception());
+        by = rules_in_force(options);
+    } catch (const failure& failed) {
         complain(failed.file, failed.reason);
         return failed.status;
     }

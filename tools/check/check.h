@@ -24,6 +24,12 @@ struct check_options {
     bool is_general() const { return profile || rules_file || extract || ids; }
 };
 
+// What --profile and --rules say. Throws `failure`.
+rules rules_in_force(const check_options& options);
+
+// Whether the facets of the file are told, as the library's own reader takes them, instead of a mesh of any kind.
+bool is_told_by_facets(const std::string& path, const check_options& options);
+
 // tessolv check: reports on every file; the worst status counts.
 exit_status check(const check_options& options);
 

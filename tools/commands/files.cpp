@@ -39,6 +39,7 @@ void print(const std::string& text)
 void complain(const std::string& file, const std::string& reason)
 {
     progress::erase();
+    std::fflush(stdout);  // what was told before stands before, also where both streams lead to one file
     std::fprintf(stderr, "tessolv: %s: %s\n", printable(file).c_str(), printable(reason).c_str());
 }
 
@@ -92,15 +93,15 @@ loaded load_sound(const std::string& path, const shared_options& options)
     return input;
 }
 
-void refuse_inputs(const std::string& output, const shared_options& options)
+void require_no_input(const std::string& path, const shared_options& options)
 {
     const auto is_output = [&](const std::string& file) {
-        return file != "-" && output != "-" && source::open(file).is_same_file(output);
+        return file != "-" && path != "-" && source::open(file).is_same_file(path);
     };
     std::vector<std::string> inputs = options.files;
     if (options.solution) inputs.push_back(*options.solution);
     if (!options.force && std::ranges::any_of(inputs, is_output))
-        throw failure(exit_usage, output, "is the input file, which is overwritten with --force only");
+        throw failure(exit_usage, path, "is the input file, which is overwritten with --force only");
 }
 
 void save(const mesh& m, const shared_options& options)
@@ -108,7 +109,7 @@ void save(const mesh& m, const shared_options& options)
     const std::string& path = options.output.value();
     std::vector<std::string> notes;
     try {
-        refuse_inputs(path, options);
+        require_no_input(path, options);
         progress::stage("writing", path);
         write_options how;
         how.ascii = options.ascii;
@@ -127,7 +128,7 @@ void save_table(const shared_options& options, const std::function<void(sink&)>&
 {
     if (!options.table) return;
     try {
-        refuse_inputs(*options.table, options);
+        require_no_input(*options.table, options);
         progress::stage("writing", *options.table);
         sink to(*options.table);
         write(to);
