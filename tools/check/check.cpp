@@ -90,14 +90,23 @@ private:
     {
         if (shared_.output) throw wrong_usage("--output is for the surfaces of STL files; see --extract and 'convert'");
         const loaded input = load(path, shared_);
-        const examination verdict = examine(input.content, rules_);
+        const rules by = rules_for(input.content);
+        const examination verdict = examine(input.content, by);
         if (options_.extract) extract(input.content, verdict);
         const mesh_report report{
-            path,        std::string(input.as->name), std::string(input.as->title), input.content, verdict, rules_,
-            options_.ids};
+            path, std::string(input.as->name), std::string(input.as->title), input.content, verdict, by, options_.ids};
         show([&] { return json_of(report); }, [&] { return verdict_of(report, terminal_); },
              [&] { return text_of(report, terminal_); });
         return verdict.is_clean() ? exit_clean : exit_problems;
+    }
+
+    // The rules with the tolerance of the command line, which is a distance, in diagonals of this mesh.
+    rules rules_for(const mesh& m) const
+    {
+        rules by = rules_;
+        const double diagonal = box_of(m).diagonal();
+        if (shared_.tolerance && diagonal > 0) by.coincident = *shared_.tolerance / diagonal;
+        return by;
     }
 
     void extract(const mesh& m, const examination& verdict) const

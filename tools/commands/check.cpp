@@ -16,7 +16,7 @@ connected parts, the shortest edge. The verdict is the last line.
 
 Of an STL file it tells what the library's reader makes of it: facets read,
 triangles and nodes after the weld, free and non-manifold edges. --profile,
---rules, --ids and --extract judge it like any other mesh.)";
+--rules, --tolerance, --ids and --extract judge it like any other mesh.)";
 
 constexpr const char* examples = R"(Examples:
   tessolv check part.stl
@@ -40,6 +40,8 @@ std::function<exit_status()> declare_check(CLI::App& app)
     app.add_option("--profile", options->profile, "judge by the rules for this purpose")
         ->type_name("{default,solver,shell,closed}");
     app.add_option("--rules", options->rules_file, "judge by the rules of this JSON file")->type_name("FILE");
+    declare_tolerance(app, shared,
+                      "distance of nodes that coincide; otherwise 1e-9 of the diagonal, or as the rules say");
     app.add_flag("--ids", options->ids, "name all nodes and elements at fault, not the first ones alone");
     app.add_option("--extract", options->extract,
                    "write the elements and nodes at fault, with values and original numbers, for one FILE")
@@ -52,6 +54,7 @@ std::function<exit_status()> declare_check(CLI::App& app)
     CLI::Option* ascii = app.add_flag_callback("--ascii", read_as(stl_format::ascii), "read as text STL");
     app.add_flag_callback("--binary", read_as(stl_format::binary), "read as binary STL")->excludes(ascii);
     app.parse_complete_callback([options] {
+        require_distance(options->shared);
         require_one_file(options->shared, "--output", options->shared.output.has_value());
         require_one_file(options->shared, "--extract", options->extract.has_value());
     });

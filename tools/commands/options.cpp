@@ -88,6 +88,12 @@ void declare_colour(CLI::App& app)
         ->check(CLI::IsMember({"auto", "always", "never"}));
 }
 
+void require_distance(const shared_options& options)
+{
+    if (options.tolerance && !(*options.tolerance >= 0))
+        throw CLI::ValidationError("--tolerance", "is negative or no number");
+}
+
 void require_one_file(const shared_options& options, const char* option, bool given)
 {
     if (given && options.files.size() > 1) throw CLI::ValidationError(option, "takes one FILE only");

@@ -45,6 +45,9 @@ void declare_tolerance(CLI::App& app, shared_options& options, const std::string
 void declare_table(CLI::App& app, shared_options& options, const std::string& name, const std::string& description);
 void declare_colour(CLI::App& app);  // of every command
 
+// Refuses a tolerance that is no distance.
+void require_distance(const shared_options& options);
+
 // Refuses an option that takes one FILE when there are more.
 void require_one_file(const shared_options& options, const char* option, bool given);
 

@@ -133,9 +133,9 @@ std::function<exit_status()> declare_weld(CLI::App& app)
     app.add_flag("--across-parts", options->across_parts, "nodes of different parts only")->excludes(within);
     declare_table(app, options->shared, "--map", "write which node became which, with distances, as CSV");
     app.parse_complete_callback([options] {
-        const std::optional<double>& tolerance = options->shared.tolerance;
-        if (tolerance && !(*tolerance >= 0)) throw CLI::ValidationError("--tolerance", "is negative or no number");
-        if (!tolerance && options->relative != "none") throw CLI::ValidationError("--relative", "needs --tolerance");
+        require_distance(options->shared);
+        if (!options->shared.tolerance && options->relative != "none")
+            throw CLI::ValidationError("--relative", "needs --tolerance");
     });
     return [options] {
         return for_each_file(options->shared, [&](const std::string& path) { return weld(path, *options); });
