@@ -9,6 +9,8 @@
 #include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
+#include "formats/file_beside.h"
+#include "progress.h"
 #include "surface/json_report.h"
 #include "surface/surface_report.h"
 #include "surface/text_report.h"
@@ -26,16 +28,22 @@ bool is_stl_file(const std::string& path, const std::optional<std::string>& form
     return input_format(from, format).name == "stl";
 }
 
+// The library's own writer, whose file is seen once it is whole.
 exit_status write_vtk(const std::string& path, const surface& surface)
 {
-    const int result = zeb::tessolv::vtk_output(path.c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
-    constexpr int cannot_write = -1;
-    if (result == cannot_write) {
+    try {
+        progress::stage("writing", path);
+        file_beside file(path);
+        constexpr int cannot_write = -1;
+        const int result = zeb::tessolv::vtk_output(file.name().c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
+        if (result == cannot_write) throw unwritable("cannot be written");
+        checked(result, "vtk_output");
+        file.commit();
+        return exit_clean;
+    } catch (const unwritable&) {
         complain(path, "cannot be written");
         return exit_unwritable;
     }
-    checked(result, "vtk_output");
-    return exit_clean;
 }
 
 class checker {
@@ -48,7 +56,9 @@ public:
     // Whatever happens to one file, the next ones are still looked at.
     exit_status run(const std::string& path)
     {
+        const progress shown(!shared_.json && !shared_.quiet, path);
         try {
+            progress::stage("reading", path);
             return is_told_by_facets(path, options_) ? check_facets(path) : check_mesh(path);
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
@@ -80,14 +90,23 @@ private:
     {
         if (shared_.output) throw wrong_usage("--output is for the surfaces of STL files; see --extract and 'convert'");
         const loaded input = load(path, shared_);
-        const examination verdict = examine(input.content, rules_);
+        const rules by = rules_for(input.content);
+        const examination verdict = examine(input.content, by);
         if (options_.extract) extract(input.content, verdict);
         const mesh_report report{
-            path,        std::string(input.as->name), std::string(input.as->title), input.content, verdict, rules_,
-            options_.ids};
+            path, std::string(input.as->name), std::string(input.as->title), input.content, verdict, by, options_.ids};
         show([&] { return json_of(report); }, [&] { return verdict_of(report, terminal_); },
              [&] { return text_of(report, terminal_); });
         return verdict.is_clean() ? exit_clean : exit_problems;
+    }
+
+    // The rules with the tolerance of the command line, which is a distance, in diagonals of this mesh.
+    rules rules_for(const mesh& m) const
+    {
+        rules by = rules_;
+        const double diagonal = box_of(m).diagonal();
+        if (shared_.tolerance && diagonal > 0) by.coincident = *shared_.tolerance / diagonal;
+        return by;
     }
 
     void extract(const mesh& m, const examination& verdict) const
@@ -128,7 +147,7 @@ rules rules_in_force(const check_options& options)
 {
     const std::string named = options.rules_file.value_or("--profile");
     try {
-        const rules base = rules_of_profile(options.profile.value_or("default"));
+        rules base = rules_of_profile(options.profile.value_or("default"));
         if (!options.rules_file) return base;
         const source from = source::open(*options.rules_file);
         std::string text(from.size(), '\0');

@@ -21,7 +21,7 @@ struct check_options {
     bool ids = false;
 
     // STL files are judged like any other mesh.
-    bool is_general() const { return profile || rules_file || extract || ids; }
+    bool is_general() const { return profile || rules_file || extract || ids || shared.tolerance; }
 };
 
 // What --profile and --rules say. Throws `failure`.

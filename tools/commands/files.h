@@ -50,6 +50,9 @@ void save(const mesh& m, const shared_options& options);
 exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
                           const std::function<void(const failure&)>& on_failure = {});
 
+// Writes the second output by write(sink), where it is asked for. Throws `failure`.
+void save_table(const shared_options& options, const std::function<void(sink&)>& write);
+
 // Puts any exception into the form of a failure of that file.
 failure failure_of(const std::string& file, const std::exception_ptr& error);
 

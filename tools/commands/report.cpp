@@ -65,12 +65,15 @@ std::function<exit_status()> declare_report(CLI::App& app)
     check_options& judged = options->judged;
     declare_file(app, judged.shared);
     declare_input_format(app, judged.shared);
-    app.add_option("--output", judged.shared.output, "the page to write; - is standard output")->required();
+    app.add_option("--output", judged.shared.output, "the page to write; - is standard output")
+        ->required()
+        ->type_name("FILE");
     app.add_flag("--force", judged.shared.force, "an input may be overwritten");
     declare_json(app, judged.shared);
     declare_quiet(app, judged.shared);
-    app.add_option("--profile", judged.profile, "judge by these rules: default, solver, shell or closed");
-    app.add_option("--rules", judged.rules_file, "judge by the rules of this JSON file");
+    app.add_option("--profile", judged.profile, "judge by the rules for this purpose")
+        ->type_name("{default,solver,shell,closed}");
+    app.add_option("--rules", judged.rules_file, "judge by the rules of this JSON file")->type_name("FILE");
     app.add_flag("--ids", judged.ids, "list all nodes and elements at fault, not the first 500 of each fault");
     app.add_option("--triangles", options->page.triangles,
                    "draw at most so many triangles, 300000 unless given; a larger surface is drawn coarser")

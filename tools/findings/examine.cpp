@@ -211,6 +211,18 @@ private:
         }
         result_.shortest_edge = std::isfinite(shortest) ? shortest : 0;
         add(fault::short_edge, count, edges.cols, {});
+        if (rules_.of(fault::short_edge) != severity::off) count_lost_edges(lengths);
+    }
+
+    // What has no length at all is told as something else.
+    void count_lost_edges(const std::vector<double>& lengths)
+    {
+        for (const digits_of_writer& writer : writers_of_few_digits()) {
+            const double spacing = writer.spacing(result_.largest_coordinate);
+            const auto is_lost = [spacing](double length) { return length > 0 && length < spacing; };
+            const auto count = static_cast<std::uint64_t>(std::ranges::count_if(lengths, is_lost));
+            if (count != 0) result_.lost.push_back({&writer, spacing, count});
+        }
     }
 
     const mesh& m_;

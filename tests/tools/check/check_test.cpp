@@ -721,18 +721,23 @@ TEST(Program, TellsTheVersionOfTheLibrary)
     EXPECT_EQ(result.out, "tessolv 3.9.3\n");
 }
 
-TEST(Program, NamesEveryOptionAndGivesExamplesInItsHelp)
+TEST(Program, NamesEveryOptionAndGivesExamplesInTheHelpOfCheck)
 {
-    for (const strings& arguments : std::vector<strings>{{"--help"}, {"check", "--help"}}) {
-        const run_result result = tessolv(arguments);
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.err, "");
-        for (const std::string word :
-             {"check", "FILE", "--output", "--json", "--ascii", "--binary", "--quiet", "--help",
-              "Examples:", "tessolv check part.stl --output part.vtk", "Exit status:"})
-            EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
-    }
-    EXPECT_NE(tessolv({"--help"}).out.find("--version"), std::string::npos);
+    const run_result result = tessolv({"check", "--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const std::string word : {"FILE", "--output", "--json", "--ascii", "--binary", "--quiet", "--help", "--color",
+                                   "Examples:", "tessolv check part.stl --output part.vtk", "Exit status:"})
+        EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
+}
+
+TEST(Program, NamesItsCommandsInItsHelp)
+{
+    const run_result result = tessolv({"--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const std::string word : {"\n  check ", "COMMAND FILE...", "--help", "--version", "--output", "Exit status:"})
+        EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -140,6 +141,20 @@ TEST_F(check_mesh, TakesTheRulesOfAFile)
     EXPECT_EQ(tessolv({"check", bad, "--rules", lenient}).status, 0);
     EXPECT_EQ(tessolv({"check", bad, "--rules", folder.write("wrong.json", "{")}).status, 2);
     EXPECT_EQ(tessolv({"check", bad, "--rules", folder.path("none.json")}).status, 3);
+}
+
+TEST_F(check_mesh, TakesTheDistanceOfCoincidentNodesInTheUnitOfTheMesh)
+{
+    const std::vector<test::place> torn{{0, 0, 0}, {4, 0, 0}, {0, 3, 0}, {4, 0.01, 0}, {0, 3.01, 0}, {4, 3, 0}};
+    const std::string path = file(mesh_by_hand(torn).with(zeb::EL_TRIA3, {{0, 1, 2}, {3, 5, 4}}), "torn.vtu");
+    EXPECT_EQ(tessolv({"check", "--quiet", path}).status, 0);
+    EXPECT_EQ(tessolv({"check", "--quiet", "--tolerance", "0.009", path}).status, 0);
+    const run_result wide = tessolv({"check", "--quiet", "--tolerance", "0.011", path});
+    EXPECT_EQ(wide.out, path + ": NOT CLEAN: 2 coincident nodes\n");
+    const json rules = json::parse(tessolv({"check", "--json", "--tolerance", "0.01", path}).out)["rules"];
+    EXPECT_NEAR(rules["coincident"].get<double>(), 0.01 / std::hypot(4, 3.01), 1e-15);
+    for (const std::string wrong : {"-1", "nan"})
+        EXPECT_EQ(tessolv({"check", path, "--tolerance", wrong}).status, 2) << wrong;
 }
 
 TEST_F(check_mesh, JudgesAnStlFileLikeAnyOtherWhenAskedTo)
