@@ -121,7 +121,8 @@ unsigned int kd_tree<D>::find_closest(const point<D>& P, unsigned int excluded) 
     if (records_.empty()) return NONE_INDEX;
     if (is_indexed()) return index_.find_closest(records_, P, excluded);
     unsigned int node = NONE_INDEX;
-    if (has_grid() && grid_.find_closest(records_, P, excluded, node)) return node;
+    if (has_grid() && grid_.find_closest(records_, P, excluded, node) && is_closer_than_late(P, excluded, node))
+        return node;
     candidate closest = descend(P, excluded);
     if (closest.node == NONE_INDEX || closest.distance != 0) search(P, excluded, closest);
     return closest.node;
@@ -131,6 +132,30 @@ template <int D>
 unsigned int kd_tree<D>::find_closest(unsigned int node) const
 {
     return node < pos_->cols ? find_closest(position_of<D>(*pos_, node), node) : NONE_INDEX;
+}
+
+// Late records hang below the others and change nothing about them. One that is as close as the closest of the others,
+// or nearly, is left to the walk.
+template <int D>
+bool kd_tree<D>::is_closer_than_late(const point<D>& P, unsigned int excluded, unsigned int closest) const
+{
+    if (grid_.size() == records_.size()) return true;
+    constexpr double rounding = 0x1p-40;  // far more than that of a walk
+    double magnitude = 0;
+    for (const double value : P) magnitude = std::max(magnitude, std::abs(value));
+    const double found = distance(position_of<D>(*pos_, closest), P);
+    const double reach = found + (found + magnitude) * rounding;
+    for (auto r = static_cast<unsigned int>(grid_.size()); r < records_.size(); ++r)
+        if (records_[r].node != excluded && !(distance(records_.x(r), P) > reach)) return false;
+    return true;
+}
+
+template <int D>
+bool kd_tree<D>::is_late_in(const box<D>& b) const
+{
+    for (auto r = static_cast<unsigned int>(grid_.size()); r < records_.size(); ++r)
+        if (b.contains(records_.x(r))) return true;
+    return false;
 }
 
 // The closest of the nodes that P would pass on its way into the tree, the first of equally close ones. Squares are
@@ -186,7 +211,7 @@ template <int D>
 void kd_tree<D>::find_in_box(const box<D>& b, dense1D<unsigned int>& nodes) const
 {
     if (is_indexed()) return index_.find_in_box(records_, b, nodes);
-    if (has_grid() && grid_.find_in_box(records_, b, nodes)) return;
+    if (has_grid() && !is_late_in(b) && grid_.find_in_box(records_, b, nodes)) return;
     for (unsigned int r = records_.empty() ? NONE_INDEX : 0, from = NONE_INDEX, d = 0; r != NONE_INDEX;) {
         const tree_record& record = records_[r];
         const point<D> x = position(r);
