@@ -266,7 +266,7 @@ async function takePictures(subjects) {
 }
 
 async function documentation(subject) {
-  const page = await open(subject, { viewport: { width: 1240, height: 800 } });
+  const page = await open(subject, { viewport: { width: 1130, height: 690 } });
   await page.locator("#findings tr:nth-child(3) .mark").nth(2).click();
   await press(page, "-", "-", "-", "-", "-", "-");
   await page.evaluate(() => document.activeElement.blur());

@@ -27,11 +27,15 @@ std::string row_head(const std::string& name)
     return "<tr><th scope=\"row\">" + html(name) + "</th>";
 }
 
-// A link to the picture, which shows the item.
-std::string link(const mark_list& list, std::size_t mark)
+// A link to the picture, which shows the item. The kind is not shown again behind an item of the same kind.
+std::string link(const mark_list& list, std::size_t mark, const std::string& kind_before = {})
 {
-    return "<a class=\"mark\" href=\"#picture\" data-mark=\"" + std::to_string(mark) + "\">" +
-           html(list.marks[mark].name) + "</a>";
+    const std::string& name = list.marks[mark].name;
+    const std::size_t number = name.find(' ') + 1;
+    const bool same = name.substr(0, number) == kind_before;
+    return std::string("<a class=\"mark") + (same ? " same" : "") + "\" href=\"#picture\" data-mark=\"" +
+           std::to_string(mark) + "\"><span>" + html(name.substr(0, number)) + "</span>" + html(name.substr(number)) +
+           "</a>";
 }
 
 std::string links(const mark_list& list, const std::vector<std::size_t>& marks, std::uint64_t of)
@@ -39,7 +43,11 @@ std::string links(const mark_list& list, const std::vector<std::size_t>& marks, 
     constexpr std::size_t first_ids = 10;
     std::string first;
     std::string others;
-    for (std::size_t i = 0; i < marks.size(); ++i) (i < first_ids ? first : others) += link(list, marks[i]) + ' ';
+    std::string kind;
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        (i < first_ids ? first : others) += link(list, marks[i], i == first_ids ? "" : kind) + ' ';
+        kind = list.marks[marks[i]].name.substr(0, list.marks[marks[i]].name.find(' ') + 1);
+    }
     const std::string untold = of > marks.size() ? counted(of - marks.size(), "is", "are") + " not listed" : "";
     if (!others.empty())
         first += "<details><summary>" + grouped(marks.size() - first_ids) + " more</summary>" + others + untold +

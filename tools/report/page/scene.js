@@ -16,7 +16,9 @@ const SURFACE = {
     in vec3 normal;
     out vec3 weights;
     flat out vec4 painted;
+    flat out vec3 ink;
     void main() {
+      ink = dot(colour.rgb, vec3(0.30, 0.59, 0.11)) < 0.2 ? vec3(0.66, 0.68, 0.74) : vec3(0.05, 0.07, 0.10);
       gl_Position = seen(place);
       int corner = gl_VertexID % 3;
       weights = vec3(corner == 0, corner == 1, corner == 2);
@@ -29,17 +31,18 @@ const SURFACE = {
     precision highp float;
     in vec3 weights;
     flat in vec4 painted;
+    flat in vec3 ink;
     uniform float opacity, edges;
     out vec4 result;
     void main() {
-      vec3 wide = fwidth(weights);
+      vec3 x = dFdx(weights), y = dFdy(weights), wide = sqrt(x * x + y * y);
       int sides = int(painted.a * 255.0 + 0.5);
       // Side k runs from corner k to the next one: there the weight of the third corner is 0.
-      vec3 near = 1.0 - smoothstep(0.35 * wide, 1.25 * wide, weights.zxy);
+      vec3 near = 1.0 - smoothstep(0.4 * wide.zxy, 1.3 * wide.zxy, weights.zxy);
       near *= 1.0 - smoothstep(0.12, 0.45, wide.zxy);  // triangles of a few pixels would be all edge
       near *= vec3(sides & 1, sides >> 1 & 1, sides >> 2 & 1);
       float edge = edges * 0.45 * max(near.x, max(near.y, near.z));
-      result = vec4(mix(painted.rgb, vec3(0.05, 0.07, 0.10), edge), max(opacity, opacity > 0.0 ? edge * opacity * 1.5 : 0.0));
+      result = vec4(mix(painted.rgb, ink, edge), max(opacity, opacity > 0.0 ? edge * opacity * 1.5 : 0.0));
     }`,
 };
 
