@@ -173,6 +173,21 @@ TEST(WrongFile, IsRefusedWithItsReason)
     }
 }
 
+TEST(EmptySection, OfABinaryFileIsRead)
+{
+    mesh m = test::two_elements(EL_TETRA4);
+    m.blocks.clear();
+    m.cell_fields.clear();
+    m.point_fields.clear();
+    resize(m.pos, 3, 0);
+    m.node_numbers = numbering();
+    for (const char* format : {"gmsh", "gmsh22", "vtk", "vtu"}) {
+        const mesh is = test::read_bytes(test::written(m, format));
+        EXPECT_EQ(is.element_count(), 0u) << format;
+        EXPECT_EQ(is.pos.cols, 0u) << format;
+    }
+}
+
 TEST(WrongFile, WithZeroBytesEnds)
 {
     for (const char* format : {"vtk", "vtu", "gmsh", "medit", "obj", "stl"}) {
