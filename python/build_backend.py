@@ -54,13 +54,13 @@ def installed_package(prefix):
         options |= {f"TESSOLV_BUILD_{part}": "OFF" for part in ("TESTS", "TOOLS", "EXAMPLES")}
         run("cmake", "-S", ".", "-B", folder, *(f"-D{name}={value}" for name, value in options.items()))
     run("cmake", "--build", folder, "--target", "tessolv_python", "-j", os.cpu_count() or 1)
-    run("cmake", "--install", folder, "--component", "python", "--prefix", prefix)
+    run("cmake", "--install", folder, "--component", "python", "--prefix", prefix, "--strip")
     return next(Path(prefix).rglob("tessolv/__init__.py")).parent
 
 
 def write_wheel(path, files):
     """Packs (name, bytes) with the list of their hashes."""
-    info = "{name}-{version}.dist-info".format(**project())
+    info = info_folder()
     record = []
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as wheel:
         for name, content in files:
@@ -70,11 +70,23 @@ def write_wheel(path, files):
         wheel.writestr(f"{info}/RECORD", "".join(record) + f"{info}/RECORD,,\n")
 
 
+def info_folder():
+    return "{name}-{version}.dist-info".format(**project())
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    """Without this pip would build a whole wheel to look into it, and then another one."""
+    folder = Path(metadata_directory) / info_folder()
+    folder.mkdir()
+    (folder / "METADATA").write_text(metadata())
+    return folder.name
+
+
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     table = project()
     python = f"cp{sys.version_info.major}{sys.version_info.minor}"
     tag = f"{python}-{python}-" + re.sub(r"[-.]", "_", sysconfig.get_platform())
-    info = f"{table['name']}-{table['version']}.dist-info"
+    info = info_folder()
     with tempfile.TemporaryDirectory() as prefix:
         package = installed_package(prefix)
         files = [(f"tessolv/{f.relative_to(package)}", f.read_bytes()) for f in sorted(package.rglob("*")) if f.is_file()]

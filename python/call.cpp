@@ -458,13 +458,15 @@ template <class T>
 changed<dense1D<T>> call::changed_vector(py::handle value, py::handle out, std::string_view name)
 {
     const dense1D<T> from = vector<T>(value, name);
-    dense1D<T> apart;
-    if (!apart.copy(from)) throw std::bad_alloc();
-    if (out.is_none()) return {std::move(apart), py::none()};
+    if (out.is_none()) {
+        changed<dense1D<T>> copy{dense1D<T>(), py::none()};
+        if (!copy.values.copy(from)) throw std::bad_alloc();
+        return copy;
+    }
     const py::array array = fitting_out<T>(out, {static_cast<py::ssize_t>(from.size)});
     watch(array);
     changed<dense1D<T>> to{look_into_vector<T>(array), array};
-    std::copy(apart.begin(), apart.end(), to.values.begin());
+    if (from.size != 0) std::memmove(to.values.data(), from.data(), from.size * sizeof(T));  // they may overlap
     return to;
 }
 

@@ -88,4 +88,5 @@ PYBIND11_MODULE(_tessolv, m)
     binding::define_metrics(m);
     binding::define_geometry(m);
     binding::define_io(m);
+    binding::define_check(m);
 }

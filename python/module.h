@@ -14,6 +14,7 @@ void define_quality(pybind11::module_& m);
 void define_metrics(pybind11::module_& m);
 void define_geometry(pybind11::module_& m);
 void define_io(pybind11::module_& m);
+void define_check(pybind11::module_& m);
 
 }  // namespace binding
 

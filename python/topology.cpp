@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 
 #include "arrays.h"
 #include "module.h"
@@ -35,14 +36,32 @@ py::array get_boundaries(py::handle connect, py::handle neighbors, py::handle ty
     return handed_over(std::move(boundaries));
 }
 
+// Eight at a time: this pass over the elements must cost no more than that of the library, which it replaces.
+index largest_of(const index* entries, std::uint64_t count)
+{
+    using four = index __attribute__((vector_size(16)));
+    four a{}, b{};
+    std::uint64_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        four x, y;
+        std::memcpy(&x, entries + i, sizeof x);
+        std::memcpy(&y, entries + i + 4, sizeof y);
+        a = x > a ? x : a;
+        b = y > b ? y : b;
+    }
+    a = a > b ? a : b;
+    index largest = std::max({a[0], a[1], a[2], a[3]});
+    for (; i < count; ++i) largest = std::max(largest, entries[i]);
+    return largest;
+}
+
 // A list of all nodes up to the largest, without an entry yet: the library would make it alike, however long.
 dense1D<index> list_up_to_largest(const dense2D<index>& connect, bool raw)
 {
+    const bool flat = connect.ld == connect.rows;  // one run instead of one for each element
+    const std::uint64_t runs = flat ? 1 : connect.cols, length = flat ? connect.size : connect.rows;
     index largest = 0;
-    for (std::uint64_t e = 0; e < connect.cols; ++e) {
-        const index* nodes = &connect(0, e);
-        for (std::uint64_t i = 0; i < connect.rows; ++i) largest = std::max(largest, nodes[i]);
-    }
+    for (std::uint64_t e = 0; e < runs; ++e) largest = std::max(largest, largest_of(&connect(0, e), length));
     if (largest == zeb::NONE_INDEX) throw_refusal("get_ancestors", -1);
     const std::uint64_t size = std::uint64_t{largest} + 1;
     require_room(size * (sizeof(index) + (raw ? 0 : sizeof(std::int64_t))));

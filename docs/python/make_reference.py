@@ -1,12 +1,13 @@
 """Makes reference.md from the docstrings: PYTHONPATH=build/python python3 docs/python/make_reference.py"""
 
 import inspect
+import itertools
 import re
 from pathlib import Path
 
 import tessolv as ts
-from tessolv import _conventions, _editing, _geometry, _io, _mesh, _metrics, _numbering, _quality, _spatial, _topology
-from tessolv import _bridges, _errors
+from tessolv import _conventions, _editing, _geometry, _io, _mesh, _mesh_data, _metrics, _numbering, _quality, _spatial, _topology
+from tessolv import _bridges, _check, _errors
 
 FAMILIES = {
     "Conventions": _conventions,
@@ -18,6 +19,8 @@ FAMILIES = {
     "Geometry": _geometry,
     "Files": _io,
     "Meshes": _mesh,
+    "What a mesh holds": _mesh_data,
+    "Findings": _check,
     "Bridges": _bridges,
     "Numbering": _numbering,
     "Errors": _errors,
@@ -51,7 +54,7 @@ def text_of(item):
         elif line.startswith("    ") and not in_code(out):
             out.append(line.strip())
         else:
-            out.append(line)
+            out.append("" if line.strip() == "<BLANKLINE>" else line)
     return "\n".join(out) + ("\n```" if in_code(out) else "")
 
 
@@ -60,7 +63,9 @@ def in_code(out):
 
 
 def methods(item):
-    for name, method in vars(item).items():
+    own = [base for base in item.__mro__ if base.__module__.startswith("tessolv")]
+    for name, method in itertools.chain.from_iterable(vars(base).items() for base in own):
+        method = getattr(method, "fget", method)
         if isinstance(method, classmethod):
             method = method.__func__
         if inspect.isfunction(method) and not name.startswith("_"):

@@ -5,7 +5,8 @@ after row: the library works on them where they are. Integers of other types, ot
 Results own their memory. What the library cannot take is an `Error`, exhausted memory a `MemoryError`.
 """
 
-from ._bridges import from_meshio, read, to_meshio, to_pyvista, write
+from ._bridges import to_meshio, to_pyvista, write
+from ._check import BadElement, Fault, KindSummary, Verdict, check
 from ._conventions import (
     EL_EDGE2,
     EL_EDGE3,
@@ -68,7 +69,8 @@ from ._io import (
     vtk_convert,
     vtk_output,
 )
-from ._mesh import Mesh, Worst, WorstElements
+from ._mesh import Mesh, Worst, WorstElements, from_meshio, read
+from ._mesh_data import Facets
 from ._metrics import (
     are_valid_metrics,
     eigen_pairs,
@@ -98,6 +100,7 @@ from ._topology import (
 __version__ = version()
 
 __all__ = [
+    "BadElement",
     "BoundingBox",
     "Cells",
     "ConnexParts",
@@ -125,8 +128,11 @@ __all__ = [
     "EL_WEDGE6",
     "ElementType",
     "Error",
+    "Facets",
+    "Fault",
     "Histogram",
     "InBoxes",
+    "KindSummary",
     "Matches",
     "MergedConnect",
     "MergedNodes",
@@ -142,6 +148,7 @@ __all__ = [
     "Surface",
     "Undegenerated",
     "VERTICES_PER_ELEMENT",
+    "Verdict",
     "WavefrontOBJ",
     "WavefrontOBJ_input",
     "WavefrontOBJ_output",
@@ -150,6 +157,7 @@ __all__ = [
     "append",
     "are_valid_metrics",
     "change_indices",
+    "check",
     "check_IDs",
     "clip",
     "copy_edges",

@@ -4,29 +4,33 @@ from __future__ import annotations
 
 import os
 from pathlib import Path
-from typing import Any, Dict, List, Union
+from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Union
 
 import numpy as np
 from numpy.typing import NDArray
 
+from . import _tessolv
 from ._conventions import ElementType
 from ._errors import Error
 from ._io import STL_input, STL_output, WavefrontOBJ_input
-from ._mesh import Mesh
+from ._mesh_data import Facets, MeshData
 from ._numbering import MESHIO_NAMES, VTK_CELLS, from_numbering, to_numbering
 
 _KINDS = {name: type for type, name in MESHIO_NAMES.items()}
 
 
-def from_meshio(mesh: Any) -> Mesh:
-    """A `meshio.Mesh` in the numbering of the library; blocks of one kind become one.
+class Parts(NamedTuple):
+    """What a mesh is made of."""
 
-    Args:
-        mesh: with cells of kinds that the library has.
+    points: Any
+    cells: Mapping[int, Any]
+    point_data: Optional[Mapping[str, Any]] = None
+    cell_data: Optional[Mapping[str, Mapping[int, Any]]] = None
+    facets: Optional[Facets] = None
 
-    Raises:
-        Error: a kind of cells that the library does not have.
-    """
+
+def parts_of_meshio(mesh: Any) -> Parts:
+    """A `meshio.Mesh` in the numbering of the library; blocks of one kind become one."""
     blocks: Dict[ElementType, List[int]] = {}
     for i, block in enumerate(mesh.cells):
         if block.type not in _KINDS:
@@ -40,10 +44,10 @@ def from_meshio(mesh: Any) -> Mesh:
         name: {type: np.concatenate([values[i] for i in places]) for type, places in blocks.items()}
         for name, values in mesh.cell_data.items()
     }
-    return Mesh(mesh.points, cells, mesh.point_data, cell_data)
+    return Parts(mesh.points, cells, mesh.point_data, cell_data)
 
 
-def to_meshio(mesh: Mesh) -> Any:
+def to_meshio(mesh: MeshData) -> Any:
     """The mesh as a `meshio.Mesh` in its numbering, one block for each kind.
 
     Fields of cells that do not name every kind are filled up with NaN, or with 0 where they are integers.
@@ -61,7 +65,7 @@ def to_meshio(mesh: Mesh) -> Any:
     return meshio.Mesh(np.array(mesh.points), cells, dict(mesh.point_data), cell_data)
 
 
-def to_pyvista(mesh: Mesh) -> Any:
+def to_pyvista(mesh: MeshData) -> Any:
     """The mesh as a `pyvista.UnstructuredGrid`; planes get a third coordinate."""
     import pyvista
 
@@ -74,7 +78,7 @@ def to_pyvista(mesh: Mesh) -> Any:
     return grid
 
 
-def vtk_arrays(mesh: Mesh) -> Any:
+def vtk_arrays(mesh: MeshData) -> Any:
     """Cells, cell types and points as VTK has them: for each cell the number of its nodes and then the nodes."""
     cells: List[NDArray[np.int64]] = [np.empty(0, np.int64)]
     codes: List[NDArray[np.uint8]] = [np.empty(0, np.uint8)]
@@ -91,27 +95,30 @@ def vtk_arrays(mesh: Mesh) -> Any:
     return np.concatenate(cells), np.concatenate(codes), points
 
 
-def read(file: Union[str, "os.PathLike[str]"]) -> Mesh:
-    """Reads a file by its ending: STL and OBJ through the library, all others through meshio.
-
-    STL facets are welded as `STL_input` does it; the size of the file tells binary from text.
-    """
+def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
+    """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
     path = Path(file)
     ending = path.suffix.lower()
     if ending == ".stl":
-        pos, connect = STL_input(path, not _is_binary_stl(path))
-        return Mesh(pos, {ElementType.TRIA3: connect})
+        # What cannot be told is left to the reader, which says what is wrong.
+        is_text, in_file, read = _tessolv.survey_stl(os.fsencode(path)) or (True, 0, 0)
+        pos, connect = STL_input(path, is_text)
+        kept = len(connect)
+        facets = Facets(max(in_file, kept), max(read, kept), kept)
+        return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
     if ending == ".obj":
         part = WavefrontOBJ_input(path)
         faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}
-        return Mesh(part.pos, {int(type): connect for type, connect in faces.items() if len(connect)})
+        return Parts(part.pos, {int(type): connect for type, connect in faces.items() if len(connect)})
     import meshio
 
-    return from_meshio(meshio.read(path))
+    if ending == ".msh" and _is_of_gmsh(path):
+        return parts_of_meshio(meshio.read(path, file_format="gmsh"))
+    return parts_of_meshio(meshio.read(path))
 
 
-def write(file: Union[str, "os.PathLike[str]"], mesh: Mesh) -> None:
-    """Writes a file by its ending: STL (triangles, binary) through the library, all others through meshio.
+def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
+    """Writes a file by its ending: STL (triangles, binary) through the library, all others through meshio, .msh as Gmsh.
 
     Args:
         file: its name.
@@ -119,7 +126,7 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: Mesh) -> None:
     """
     path = Path(file)
     if path.suffix.lower() != ".stl":
-        to_meshio(mesh).write(path)
+        to_meshio(mesh).write(path, file_format=_gmsh_version(mesh) if path.suffix.lower() == ".msh" else None)
         return
     others = [type.name for type, connect in mesh.cells.items() if type != ElementType.TRIA3 and len(connect)]
     if others:
@@ -127,16 +134,14 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: Mesh) -> None:
     STL_output(path, mesh.points, mesh.cells.get(ElementType.TRIA3, np.empty((0, 3), np.uint32)), ascii=False)
 
 
-def _is_binary_stl(path: Path) -> bool:
-    try:
-        with open(path, "rb") as file:
-            head = file.read(84)
-            size = os.fstat(file.fileno()).st_size
-    except OSError:
-        return False  # the reader says what is wrong
-    if len(head) == 84 and size == 84 + 50 * int.from_bytes(head[80:], "little"):
-        return True
-    return not head.lstrip().lower().startswith(b"solid")
+def _gmsh_version(mesh: MeshData) -> str:
+    """Left to itself meshio would write .msh as another program does; the later version asks for Gmsh's own fields."""
+    return "gmsh" if len(mesh.cells) == 1 or "gmsh:dim_tags" in mesh.point_data else "gmsh22"
+
+
+def _is_of_gmsh(path: Path) -> bool:
+    with open(path, "rb") as file:
+        return file.read(11) == b"$MeshFormat"
 
 
 def _filled(values: Any, type: ElementType, count: int) -> NDArray[Any]:

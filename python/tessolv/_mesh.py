@@ -8,29 +8,16 @@ from typing import Any, Dict, Iterable, List, Mapping, NamedTuple, Optional, Tup
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _geometry, _picture, _quality, _topology
-from ._conventions import NONE_INDEX, ElementType, Indices, Points, freeze
+from . import _bridges, _geometry, _picture, _topology
+from ._check import Rules, Verdict, check
+from ._conventions import NONE_INDEX, ElementType, Indices, Points
 from ._editing import get_IDs, remove_degenerated, simplify
 from ._errors import Error
 from ._geometry import BoundingBox
+from ._mesh_data import LINEAR, CellFields, Facets, Fields, MeshData
 from ._spatial import merge
 
-Fields = Mapping[str, NDArray[Any]]
-#: Values of each kind of cells.
-CellFields = Mapping[str, Mapping[ElementType, NDArray[Any]]]
-
 _SURFACES = (ElementType.TRIA3, ElementType.QUAD4, ElementType.TRIA6, ElementType.QUAD8, ElementType.QUAD9)
-_LINEAR = {
-    ElementType.EDGE3: ElementType.EDGE2,
-    ElementType.TRIA6: ElementType.TRIA3,
-    ElementType.QUAD8: ElementType.QUAD4,
-    ElementType.QUAD9: ElementType.QUAD4,
-    ElementType.TETRA10: ElementType.TETRA4,
-    ElementType.PYRAMID14: ElementType.PYRAMID5,
-    ElementType.WEDGE18: ElementType.WEDGE6,
-    ElementType.HEXA20: ElementType.HEXA8,
-    ElementType.HEXA27: ElementType.HEXA8,
-}
 _FACE_OF = {
     ElementType.EDGE2: ElementType.NODE,
     ElementType.TRIA3: ElementType.EDGE2,
@@ -60,7 +47,7 @@ class WorstElements(List[Worst]):
         return "\n".join(rows)
 
 
-class Mesh:
+class Mesh(MeshData):
     """Points, cells by kind, and values on both. A mesh never changes: every method returns a new one.
 
     The arrays are frozen, so threads may work on one mesh at the same time; cells are in the numbering of the library.
@@ -70,6 +57,7 @@ class Mesh:
         cells: for each kind its elements, shape (elements, nodes).
         point_data: for each name values of the nodes.
         cell_data: for each name values of the elements of each kind.
+        facets: of a surface that an STL file holds, `Facets`; its open edges are faults then. Otherwise None.
 
     >>> mesh = Mesh([[0, 0], [1, 0], [1, 1], [0, 0]], {6: [[0, 1, 2], [3, 2, 1]]})
     >>> mesh.weld(1e-6)
@@ -82,53 +70,27 @@ class Mesh:
     cells: Mapping[ElementType, Indices]
     point_data: Fields
     cell_data: CellFields
-
-    def __init__(
-        self,
-        points: ArrayLike,
-        cells: Union[Mapping[int, ArrayLike], Mapping[ElementType, ArrayLike]],
-        point_data: Optional[Mapping[str, ArrayLike]] = None,
-        cell_data: Optional[Mapping[str, Mapping[Any, ArrayLike]]] = None,
-    ) -> None:
-        self.points = freeze(np.asarray(points, dtype=np.float64))
-        self.cells = {ElementType(type): _elements(connect, ElementType(type), len(self.points)) for type, connect in cells.items()}
-        self.point_data = {name: _values(name, v, len(self.points)) for name, v in (point_data or {}).items()}
-        self.cell_data = {
-            name: {ElementType(t): _values(name, v, len(self.cells[ElementType(t)])) for t, v in values.items()}
-            for name, values in (cell_data or {}).items()
-        }
+    facets: Optional[Facets]
 
     @classmethod
     def read(cls, file: Union[str, "os.PathLike[str]"]) -> "Mesh":
         """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
-        from ._bridges import read
-
-        return read(file)
+        return cls(*_bridges.parts_of_file(file))
 
     def write(self, file: Union[str, "os.PathLike[str]"]) -> "Mesh":
         """Writes a file by its ending: STL through the library, all others through meshio. Returns the mesh."""
-        from ._bridges import write
-
-        write(file, self)
+        _bridges.write(file, self)
         return self
 
     def to_meshio(self) -> Any:
         """The mesh as a `meshio.Mesh`."""
-        from ._bridges import to_meshio
-
-        return to_meshio(self)
+        return _bridges.to_meshio(self)
 
     def to_pyvista(self) -> Any:
         """The mesh as a `pyvista.UnstructuredGrid`."""
-        from ._bridges import to_pyvista
-
-        return to_pyvista(self)
+        return _bridges.to_pyvista(self)
 
     # -- what it holds
-
-    def __repr__(self) -> str:
-        kinds = "".join(f", {len(connect)} {type.name}" for type, connect in self.cells.items())
-        return f"<tessolv.Mesh: {len(self.points)} points{kinds}>"
 
     def _repr_html_(self) -> str:
         return _picture.html_table(self) + self.picture()
@@ -146,17 +108,33 @@ class Mesh:
         """The box of all points."""
         return _geometry.inc_bounding_box(self.points)
 
-    def _corners(self, type: ElementType) -> Indices:
-        return self.cells[type][:, : type.vertices]
+    def check(self, *, profile: str = "default", rules: Optional[Rules] = None) -> Verdict:
+        """What is wrong in the mesh: the findings of `tessolv check`, from the same code.
 
-    def quality(self) -> Dict[ElementType, NDArray[np.float64]]:
-        """Shape quality of the elements of each kind that has a measure."""
-        values = {}
-        for type in self.cells:
-            linear = _LINEAR.get(type, type)
-            if linear != ElementType.NODE:
-                values[type] = _quality.shape_qualities(self.points, self._corners(type), linear)
-        return values
+        Open edges are a fault in a surface of an STL file, see `facets`; in others they are a note.
+
+        Args:
+            profile: "default", "solver", "shell" or "closed", see docs/check.md.
+            rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
+
+        Raises:
+            Error: a profile or rules that do not exist.
+
+        >>> print(Mesh([[0, 0], [1, 0], [0, 1], [5, 5]], {6: [[0, 2, 1]]}).check())
+        4 nodes, 1 triangle
+        <BLANKLINE>
+        quality           min     mean      max inverted      bad     poor     fair     good
+        TRIA3         -0.7174  -0.7174  -0.7174        1        0        0        0        0
+        <BLANKLINE>
+        ! 1 inverted element, 100 %: TRIA3 0
+        ! 1 unused node, 25 %: node 3
+        <BLANKLINE>
+        type          element   quality  finding
+        TRIA3               0   -0.7174  inverted
+        <BLANKLINE>
+        NOT CLEAN: 1 inverted element, 1 unused node
+        """
+        return check(self.points, self.cells, profile=profile, rules=rules, facets=self.facets)
 
     def worst(self, count: int = 10) -> WorstElements:
         """The elements of the least quality; those that are not a number come first."""
@@ -164,7 +142,7 @@ class Mesh:
         for type, values in self.quality().items():
             order = np.where(np.isnan(values), -np.inf, values)
             for e in np.argsort(order, kind="stable")[:count]:
-                centre = self.points[self._corners(type)[e]].mean(axis=0)
+                centre = self.points[self.corners(type)[e]].mean(axis=0)
                 found.append(Worst(type, int(e), float(values[e]), tuple(centre.tolist())))
         found.sort(key=lambda one: -np.inf if np.isnan(one.quality) else one.quality)
         return WorstElements(found[:count])
@@ -190,7 +168,7 @@ class Mesh:
             left = remove_degenerated(connect)
             kept[type] = np.flatnonzero(left.new_IDs >= 0)
             cells[type] = left.connect
-        return self._with_cells(cells, kept).simplify()
+        return self._with_cells(cells, kept, self.facets).simplify()
 
     def simplify(self) -> "Mesh":
         """Drops the nodes that no element uses."""
@@ -199,7 +177,7 @@ class Mesh:
         order = np.empty(len(used), dtype=np.int64)
         order[mesh.new_IDs[used]] = used
         point_data = {name: values[order] for name, values in self.point_data.items()}
-        return Mesh(mesh.pos, dict(zip(self.cells, mesh.connect)), point_data, self.cell_data)
+        return Mesh(mesh.pos, dict(zip(self.cells, mesh.connect)), point_data, self.cell_data, self.facets)
 
     def clip(self, C: ArrayLike, N: ArrayLike) -> "Mesh":
         """The elements on the positive side of a plane through C of normal N, with all their nodes."""
@@ -219,10 +197,10 @@ class Mesh:
         if len(top) != 1:
             names = ", ".join(type.name for type in top)
             raise Error("Mesh.boundary", None, "cells", f"of the kinds {names} together have no boundary here")
-        linear = _LINEAR.get(top[0], top[0])
+        linear = LINEAR.get(top[0], top[0])
         if linear not in _FACE_OF:
             raise Error("Mesh.boundary", None, "cells", f"of the kind {top[0].name} have no boundary here")
-        connect = self._corners(top[0])
+        connect = self.corners(top[0])
         faces = _topology.get_boundaries(connect, _topology.get_neighbors(connect, linear, raw=True), linear)
         return Mesh(self.points, {_FACE_OF[linear]: faces}, self.point_data).simplify()
 
@@ -251,7 +229,7 @@ class Mesh:
         rows = []
         for type in kinds:
             corners = np.full((len(self.cells[type]), 4), NONE_INDEX, dtype=np.uint32)
-            corners[:, : type.vertices] = self._corners(type)
+            corners[:, : type.vertices] = self.corners(type)
             rows.append(corners)
         mixed = np.concatenate(rows)
         neighbors = _topology.get_neighbors(mixed, ElementType.FACE_MIX, raw=True)
@@ -260,29 +238,32 @@ class Mesh:
         return Mesh(self.points, {ElementType.EDGE2: edges}, self.point_data).simplify()
 
     def _with_points(self, points: Points) -> "Mesh":
-        return Mesh(points, self.cells, self.point_data, self.cell_data)
+        return Mesh(points, self.cells, self.point_data, self.cell_data, self.facets)
 
-    def _with_cells(self, cells: Mapping[int, ArrayLike], kept: Mapping[ElementType, NDArray[Any]]) -> "Mesh":
+    def _with_cells(
+        self, cells: Mapping[int, ArrayLike], kept: Mapping[ElementType, NDArray[Any]], facets: Optional[Facets] = None
+    ) -> "Mesh":
         cell_data = {
             name: {type: field[kept[type]] for type, field in values.items()} for name, values in self.cell_data.items()
         }
-        return Mesh(self.points, cells, self.point_data, cell_data)
+        return Mesh(self.points, cells, self.point_data, cell_data, facets)
 
 
-def _elements(connect: ArrayLike, type: ElementType, nodes: int) -> Indices:
-    given = np.asarray(connect)
-    if given.size and given.dtype.kind not in "iu":
-        raise Error("Mesh", None, f"cells[{type.name}]", f"has the type {given.dtype}, which are no indices")
-    if given.size and (given.min() < 0 or given.max() >= nodes):
-        raise Error("Mesh", None, f"cells[{type.name}]", "names a node that is no row of points")
-    elements = freeze(given.astype(np.uint32, order="C", copy=False))
-    if elements.ndim != 2 or elements.shape[1] != type.nodes or type.nodes == 0:
-        raise Error("Mesh", None, f"cells[{type.name}]", f"has the shape {elements.shape} instead of (n, {type.nodes})")
-    return elements
+def from_meshio(mesh: Any) -> Mesh:
+    """A `meshio.Mesh` in the numbering of the library; blocks of one kind become one.
+
+    Args:
+        mesh: with cells of kinds that the library has.
+
+    Raises:
+        Error: a kind of cells that the library does not have.
+    """
+    return Mesh(*_bridges.parts_of_meshio(mesh))
 
 
-def _values(name: str, values: ArrayLike, count: int) -> NDArray[Any]:
-    field = np.asarray(values)
-    if field.ndim == 0 or len(field) != count:
-        raise Error("Mesh", None, f"data {name!r}", f"has the shape {field.shape} instead of {count} rows")
-    return field
+def read(file: Union[str, "os.PathLike[str]"]) -> Mesh:
+    """Reads a file by its ending: STL and OBJ through the library, all others through meshio.
+
+    STL facets are welded as `STL_input` does it; the content of the file tells binary from text, as in the program.
+    """
+    return Mesh.read(file)

@@ -3,16 +3,14 @@
 from __future__ import annotations
 
 from html import escape
-from typing import TYPE_CHECKING, Any, List, Tuple
+from typing import Any, List, Tuple
 
 import numpy as np
 from numpy.typing import NDArray
 
 from ._conventions import NONE_INDEX, ElementType
+from ._mesh_data import MeshData
 from ._topology import get_boundaries, get_neighbors
-
-if TYPE_CHECKING:
-    from ._mesh import Mesh
 
 #: More faces than this make a drawing that browsers no longer like.
 MOST_FACES = 20000
@@ -21,7 +19,7 @@ MOST_FACES = 20000
 _COLOURS = [(0.0, (170, 40, 30)), (0.3, (225, 120, 60)), (0.6, (240, 200, 120)), (1.0, (190, 220, 235))]
 
 
-def html_table(mesh: "Mesh") -> str:
+def html_table(mesh: MeshData) -> str:
     """What the mesh holds, a row for each kind."""
     qualities = mesh.quality()
     rows = [("points", str(len(mesh.points)), "", "", "")]
@@ -44,12 +42,12 @@ def _colour(quality: float) -> str:
     return "#{:02x}{:02x}{:02x}".format(*rgb)
 
 
-def _faces(mesh: "Mesh") -> List[Tuple[NDArray[Any], float]]:
+def _faces(mesh: MeshData) -> List[Tuple[NDArray[Any], float]]:
     """Nodes and quality of the faces to draw: surface elements, and of solids what lies on their outside."""
     faces: List[Tuple[NDArray[Any], float]] = []
     qualities = mesh.quality()
     for type, connect in mesh.cells.items():
-        corners = connect[:, : type.vertices]
+        corners = mesh.corners(type)
         values = qualities.get(type)
         if values is None or not len(connect):
             continue
@@ -79,7 +77,7 @@ def _projection(points: NDArray[np.float64], direction: NDArray[np.float64]) -> 
     return projected
 
 
-def draw(mesh: "Mesh", width: int, direction: NDArray[np.float64]) -> str:
+def draw(mesh: MeshData, width: int, direction: NDArray[np.float64]) -> str:
     """An SVG of the faces, those at the back first."""
     faces = _faces(mesh)
     seen = _projection(mesh.points, direction)

@@ -28,6 +28,10 @@ PAGES = {
     "end": ("```cpp\nint i;\n", "the block does not end"),
     "reason": ("<!-- not run: -->\n```sh\n./scripts/test\n```\n", "why is it not run?"),
     "script": ("<!-- not run: long -->\n```sh\n./scripts/no-such-script\n```\n", "there is no scripts/no-such-script"),
+    "needs": ("<!-- needs: no-such-program -->\n```sh\nno-such-program\n```\n<!-- needs: bash -->\n```sh\nexit 5\n```\n",
+              "6: 'exit 5' ends with 5"),
+    "setup": ("<!-- setup: echo a > file -->\n```console\n$ cat file\na\n```\n", None),
+    "wrong setup": ("<!-- setup: exit 6 -->\n```console\n$ true\n```\n", "'exit 6' ends with 6"),
     "line": ("<!-- quoted from: LICENSE -->\n```cmake\nproject(x)\n```\n", "'project(x)' does not stand in"),
     "whole": ("<!-- quoted from: LICENSE -->\n```text\nMIT\n```\n", "the block is not"),
 }

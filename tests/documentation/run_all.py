@@ -15,15 +15,17 @@ Blocks of a page are fenced, those of a header stand between @code and @endcode.
   text     After <!-- output --> what the program before prints; after <!-- file: NAME --> the bytes of a file that an
            example before wrote; otherwise a layout that nobody can run.
 
-Commands run in a folder with parts/ and part.stl as in examples/parts, and with tessolv in the path. Commands that no
-test can run say why: <!-- not run: REASON -->. Python's smallest installation will do: no argparse, no pathlib.
+Commands run in a folder with parts/ and meshes/ as in examples/, with part.stl, and with tessolv in the path. Commands
+that no test can run say why: <!-- not run: REASON -->. <!-- needs: PROGRAM --> leaves a block out, with a message, where
+that program is not installed; <!-- setup: COMMAND --> runs a command, without a word, before a block or in the place
+of one that is left out. Python's smallest installation will do: no argparse, no pathlib.
 """
 import os
 import re
 import subprocess
 import sys
 
-NOTE = re.compile(r"\s*<!--\s*(preamble|status|output|file|quoted from|not run)(?::\s*(.*?))?\s*-->\s*$")
+NOTE = re.compile(r"\s*<!--\s*(preamble|status|output|file|quoted from|not run|needs|setup)(?::\s*(.*?))?\s*-->\s*$")
 STATED = re.compile(r"^(\s*)(.*);\s*// -> (.*)$")
 
 
@@ -104,7 +106,8 @@ class Page:
     def prepare(self):
         empty(self.work)
         os.makedirs(self.in_work("build/tools"))
-        os.symlink(self.in_source("examples/parts"), self.in_work("parts"))
+        for folder in ("parts", "meshes"):
+            os.symlink(self.in_source(f"examples/{folder}"), self.in_work(folder))
         os.symlink("parts/flange.stl", self.in_work("part.stl"))
         if self.options.tool:
             os.symlink(self.options.tool, self.in_work("build/tools/tessolv"))
@@ -234,6 +237,16 @@ class Page:
             if not os.access(self.in_source(script), os.X_OK):
                 raise Wrong(f"{block.line}: there is no {script}")
 
+    def is_left_out(self, block):
+        """Does what has to be done before a block; whether the block needs a program that is not there."""
+        if "setup" in block.notes:
+            self.command(block, block.notes["setup"], [], 0)
+        program = block.notes.get("needs")
+        if not program or self.run(["bash", "-c", f"command -v {program}"]).returncode == 0:
+            return False
+        print(f"{self.name}:{block.line}: not run, {program} is not installed")
+        return True
+
     def run_all(self):
         self.prepare()
         rules = {
@@ -249,6 +262,8 @@ class Page:
             else:
                 if block.language != "cpp":
                     self.run_fragments()
+                if self.is_left_out(block):
+                    continue
                 if block.language != "cmake" and "quoted from" in block.notes:
                     self.whole_file(block)
                 rules[block.language](block)

@@ -5,10 +5,13 @@ import doctest
 import importlib
 import inspect
 import io
+import os
 import pkgutil
 import re
 import runpy
 import shutil
+import subprocess
+import sys
 from pathlib import Path
 from typing import Any
 
@@ -85,24 +88,42 @@ def desk(tmp_path, monkeypatch):
     shutil.copy(ROOT / "tests" / "python" / "data" / "linear.msh", tmp_path / "solids.msh")
     (tmp_path / "images").mkdir()
     monkeypatch.chdir(tmp_path)
-    # meshio prints an empty line when it reads a file of Gmsh.
-    read = ts._bridges.read
-
-    def quietly(file):
-        with contextlib.redirect_stdout(io.StringIO()):
-            return read(file)
-
-    monkeypatch.setattr(ts._bridges, "read", quietly)
+    monkeypatch.setattr(sys, "argv", ["ten_lines.py", "solids.msh", "solids.vtu"])
     return tmp_path
 
 
 def test_the_tutorial_prints_and_draws_what_it_shows(desk):
     text = (DOCS / "tutorial.md").read_text()
+    assert f"```python\n{(DOCS / 'ten_lines.py').read_text()}```" in text
     assert run_page(text, {}) == text
     pictures = sorted(path.name for path in (desk / "images").iterdir())
     assert pictures == sorted(re.findall(r"\(images/(.*?)\)", text)) != []
     for name in pictures:
         assert (desk / "images" / name).read_text() == (DOCS / "images" / name).read_text(), name
+
+
+def test_ten_lines_from_gmsh_to_paraview(tmp_path):
+    """A fresh file of Gmsh; the VTU is loaded by the reader that ParaView has."""
+    if shutil.which("gmsh") is None:
+        pytest.skip("gmsh is not installed")
+    xml = pytest.importorskip("vtkmodules.vtkIOXML")
+    script = DOCS / "ten_lines.py"
+    assert len(script.read_text().splitlines()) == 10
+    geometry = ROOT / "tests" / "python" / "data" / "solids.geo"
+    subprocess.run(["gmsh", "-3", str(geometry), "-o", str(tmp_path / "fresh.msh")], check=True, capture_output=True)
+    run = [sys.executable, str(script), "fresh.msh", "fresh.vtu"]
+    environment = {**os.environ, "PYTHONPATH": str(Path(ts.__file__).absolute().parents[1])}
+    printed = subprocess.run(run, cwd=tmp_path, check=True, capture_output=True, text=True, env=environment).stdout
+    worst, verdict = printed.split("\n\n", 1)[0].splitlines()[:11], printed.splitlines()[-1]
+    assert worst[0].startswith("type") and all(float(line.split()[2]) > 0 for line in worst[1:]) and len(worst) == 11
+    assert verdict.startswith("CLEAN: ")
+    reader = xml.vtkXMLUnstructuredGridReader()
+    reader.SetFileName(str(tmp_path / "fresh.vtu"))
+    reader.Update()
+    mesh = ts.Mesh.read(tmp_path / "fresh.msh").weld(1e-6)
+    assert reader.GetErrorCode() == 0
+    assert reader.GetOutput().GetNumberOfPoints() == len(mesh.points)
+    assert reader.GetOutput().GetNumberOfCells() == sum(map(len, mesh.cells.values()))
 
 
 def test_the_code_of_the_first_page_runs(desk):

@@ -69,6 +69,11 @@ flag = st.booleans()
 tolerance = st.one_of(floats, st.just(0.5))
 point = st.one_of(st.just([0.0, 1.0, 2.0]), anything)
 
+rules = st.one_of(
+    junk,
+    st.recursive(junk, lambda inner: st.dictionaries(st.sampled_from(["faults", "quality", "all", "bad", "x"]), inner)),
+)
+
 FUNCTIONS: dict[str, tuple[Any, ...]] = {
     "check_IDs": (ts.check_IDs, connect, numbers, types),
     "freeze": (ts.freeze, anything),
@@ -98,6 +103,8 @@ FUNCTIONS: dict[str, tuple[Any, ...]] = {
     "shape_qualities": (ts.shape_qualities, pos, connect, types),
     "edge_lengths": (ts.edge_lengths, pos, connect),
     "edge_qualities": (ts.edge_qualities, pos, connect, types, anything),
+    "check": (lambda p, t, c, f: ts.check(p, {t: c, 6: c}, facets=f), pos, types, connect, st.one_of(st.none(), junk)),
+    "check_rules": (lambda r, p: ts.check([[0, 0]], {}, rules=r, profile=p), rules, st.one_of(st.just("shell"), junk)),
     "histogram": (lambda v: ts.Histogram().process(v), anything),
     "tensors": (lambda a, b: (ts.minimum_metric(a, b), ts.eigen_pairs(a), ts.is_valid_metric(b)), point, point),
     "planes": (lambda h, a, b: (ts.metric_iso_to_aniso2d(h, a), ts.metric_aniso3d_to_aniso2d(b, a)), tolerance, point, point),

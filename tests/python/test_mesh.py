@@ -40,7 +40,7 @@ MID_NODES: dict[tuple[str, ElementType], list[tuple[int, ...]]] = {
 }  # fmt: skip
 
 
-@pytest.fixture(scope="module", params=["linear", "quadratic"])
+@pytest.fixture(scope="module", params=["linear", "quadratic", "pyramids"])
 def gmsh_file(request):
     return DATA / f"{request.param}.msh"
 
@@ -164,12 +164,20 @@ def test_a_welded_file_is_read_by_vtk(tmp_path):
 
 
 @pytest.mark.skipif(shutil.which("gmsh") is None, reason="gmsh is not installed")
-@pytest.mark.parametrize("order", [1, 2])
-def test_a_fresh_file_of_gmsh_is_positive(order, tmp_path):
-    command = ["gmsh", "-3", "-order", str(order), "-clscale", "0.7", str(DATA / "solids.geo"), "-o", "fresh.msh"]
+@pytest.mark.parametrize("name, order, solids", [
+    ("solids.geo", 1, {ts.EL_TETRA4, ts.EL_WEDGE6, ts.EL_HEXA8}),
+    ("solids.geo", 2, {ts.EL_TETRA10, ts.EL_WEDGE18, ts.EL_HEXA27}),
+    ("pyramids.geo", 1, {ts.EL_TETRA4, ts.EL_PYRAMID5, ts.EL_HEXA8}),
+    ("pyramids.geo", 2, {ts.EL_TETRA10, ts.EL_PYRAMID14, ts.EL_HEXA27}),
+])  # fmt: skip
+def test_a_fresh_file_of_gmsh_is_positive(name, order, solids, tmp_path):
+    command = ["gmsh", "-3", "-order", str(order), "-clscale", "0.7", str(DATA / name), "-o", "fresh.msh"]
     subprocess.run(command, cwd=tmp_path, check=True, capture_output=True)
     mesh = Mesh.read(tmp_path / "fresh.msh")
+    assert {type for type in mesh.cells if type >= ts.EL_SOLID_MIX} == solids
     assert all((values > 0).all() for values in mesh.quality().values())
+    codes = {fault.code for fault in mesh.check().faults}
+    assert not codes & {"inverted", "degenerate", "bad_quality", "turned_neighbour", "nonmanifold"}
 
 
 def twice(type):

@@ -119,6 +119,16 @@ TEST(Convert, TellsWhatIsLostOnStandardErrorOnly)
     EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("a.stl"), "--quiet"}).err, "");
 }
 
+TEST(Convert, TellsWhatBecomesOfTheNamesOfGroups)
+{
+    const temporary_folder folder;
+    const std::string part = folder.write("part.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\ng plate\nf 1 2 3\n");
+    EXPECT_EQ(
+        tessolv({"convert", part, "--output", folder.path("a.vtu")}).err,
+        "tessolv: " + folder.path("a.vtu") + ": note: VTU holds no names of groups: only their numbers are written\n");
+    EXPECT_NE(tessolv({"info", folder.path("a.vtu")}).out.find("group 1, dimension 2, 1 element"), std::string::npos);
+}
+
 TEST(Convert, RefusesWhatTheFormatCannotHold)
 {
     const temporary_folder folder;
@@ -126,11 +136,15 @@ TEST(Convert, RefusesWhatTheFormatCannotHold)
     const run_result result = tessolv({"convert", part, "--output", folder.path("a.stl")});
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.err,
-              "tessolv: " + folder.path("a.stl") + ": STL cannot hold 1 tetrahedron; --lossy writes what it can\n");
+              "tessolv: " + folder.path("a.stl") +
+                  ": STL cannot hold 1 tetrahedron; --lossy writes what it can, 'boundary' makes the surface\n");
     EXPECT_FALSE(std::filesystem::exists(folder.path("a.stl")));
     EXPECT_EQ(tessolv({"convert", part, "--output", "/dev/full", "--format", "vtk"}).status, 4);
     EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("no/folder.vtk")}).status, 4);
-    EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("a.dxf")}).status, 2);
+    const run_result unknown = tessolv({"convert", part, "--output", folder.path("a.dxf")});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err.find("tessolv: " + folder.path("a.dxf") + ": no format has this suffix; --format takes one"),
+              0u);
     EXPECT_EQ(tessolv({"convert", part}).status, 2);
 }
 

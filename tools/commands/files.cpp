@@ -29,6 +29,7 @@ void print(const std::string& text)
 
 void complain(const std::string& file, const std::string& reason)
 {
+    std::fflush(stdout);  // what was told before stands before, also where both streams lead to one file
     std::fprintf(stderr, "tessolv: %s: %s\n", printable(file).c_str(), printable(reason).c_str());
 }
 
@@ -80,16 +81,21 @@ loaded load_sound(const std::string& path, const shared_options& options)
     return input;
 }
 
+void require_no_input(const std::string& path, const shared_options& options)
+{
+    const auto is_output = [&](const std::string& file) {
+        return file != "-" && path != "-" && source::open(file).is_same_file(path);
+    };
+    if (!options.force && std::ranges::any_of(options.files, is_output))
+        throw failure(exit_usage, path, "is the input file, which is overwritten with --force only");
+}
+
 void save(const mesh& m, const shared_options& options)
 {
     const std::string& path = options.output.value();
     std::vector<std::string> notes;
     try {
-        const auto is_output = [&](const std::string& file) {
-            return file != "-" && path != "-" && source::open(file).is_same_file(path);
-        };
-        if (!options.force && std::ranges::any_of(options.files, is_output))
-            throw wrong_usage("is the input file, which is overwritten with --force only");
+        require_no_input(path, options);
         write_options how;
         how.ascii = options.ascii;
         how.lossy = options.lossy;

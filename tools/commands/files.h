@@ -38,6 +38,9 @@ struct loaded {
 loaded load(const std::string& path, const shared_options& options);
 loaded load_sound(const std::string& path, const shared_options& options);
 
+// Throws `failure` when a path leads to one of the inputs, unless --force is given.
+void require_no_input(const std::string& path, const shared_options& options);
+
 // Writes the mesh to options.output. An input is not overwritten without --force. Remarks go to standard error, unless
 // --quiet. Throws `failure`.
 void save(const mesh& m, const shared_options& options);

@@ -133,7 +133,7 @@ private:
         if (rules_.of(fault::coincident_node) == severity::off) return;
 
         zeb::dense1D<unsigned int> survivors;
-        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * result_.box.diagonal()),
+        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, result_.box.share_of_diagonal(rules_.coincident)),
                 "merge");
         places merged;
         for (unsigned int j = 0; j < survivors.size; ++j)

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include <nlohmann/json.hpp>
@@ -56,6 +57,12 @@ void take_severities(const json& from, rules& r)
     }
 }
 
+std::string words_of(double limit)
+{
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, limit).ptr};
+}
+
 void take_limits(const json& from, const std::string& kind, quality_limits& limits)
 {
     for (const auto& [name, value] : object_of(from, kind).items()) {
@@ -68,7 +75,8 @@ void take_limits(const json& from, const std::string& kind, quality_limits& limi
         *to = number_of(value, full, -1, 1);
     }
     if (!(limits.bad <= limits.warning && limits.warning <= limits.good))
-        throw wrong_usage("the rules: the limits of '" + kind + "' do not ascend from bad over warning to good");
+        throw wrong_usage("the rules: the limits of '" + kind + "' do not ascend: bad " + words_of(limits.bad) +
+                          ", warning " + words_of(limits.warning) + ", good " + words_of(limits.good));
 }
 
 void take_quality(const json& from, rules& r)

@@ -41,8 +41,9 @@ std::string words_of(const mesh& m, const found& f, std::size_t most)
 std::string percent_of(const found& f)
 {
     if (f.of == 0) return {};
+    const double percent = 100 * static_cast<double>(f.count) / static_cast<double>(f.of);
     char text[32];
-    std::snprintf(text, sizeof text, "%.2g", 100 * static_cast<double>(f.count) / static_cast<double>(f.of));
+    std::snprintf(text, sizeof text, percent < 99.5 ? "%.2g" : "%.0f", percent);
     return text;
 }
 

@@ -23,7 +23,8 @@ std::vector<writable_block> writable_blocks(const mesh& m, std::string_view form
         if (holds(block.type)) {
             add(block, block.type);
         } else if (!options.lossy && info_of(block.type).dimension == dimension) {
-            throw unwritable(std::string(format) + " cannot hold " + told + "; --lossy writes what it can");
+            throw unwritable(std::string(format) + " cannot hold " + told + "; --lossy writes what it can" +
+                             (dimension == 3 && !holds(zeb::EL_TETRA4) ? ", 'boundary' makes the surface" : ""));
         } else if (holds(corners)) {
             add(block, corners);
             options.note(told + " written by their corners");
@@ -49,7 +50,8 @@ void note_groups(const mesh& m, std::string_view format, const write_options& op
 
 void note_group_names(const mesh& m, std::string_view format, const write_options& options)
 {
-    if (!m.group_names.empty()) options.note(std::string(format) + " holds no names of groups: left out");
+    if (!m.group_names.empty())
+        options.note(std::string(format) + " holds no names of groups: only their numbers are written");
 }
 
 std::uint64_t first_value(const mesh& m, const element_block& block)

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "byte_source.h"
 #include "formats/source.h"
+#include "input/byte_source.h"
 
 namespace tool {
 

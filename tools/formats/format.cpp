@@ -61,6 +61,17 @@ const format* format_by_suffix(std::string_view path)
     return nullptr;
 }
 
+void refuse_packed(std::string_view head)
+{
+    constexpr std::pair<std::string_view, const char*> packers[] = {{"\x1F\x8B", "gzip"},
+                                                                    {"BZh", "bzip2"},
+                                                                    {"\xFD\x37zXZ", "xz"},
+                                                                    {"\x28\xB5\x2F\xFD", "zstd"},
+                                                                    {"PK\x03\x04", "zip"}};
+    for (const auto& [begin, packer] : packers)
+        if (head.starts_with(begin)) throw unreadable(std::string("is packed by ") + packer + ": unpack it first");
+}
+
 std::string known_names()
 {
     std::vector<std::string> names;
@@ -92,6 +103,7 @@ const format& input_format(const source& from, const std::optional<std::string>&
         if (f.detect != nullptr && f.detect(head)) return f;
     for (const format& f : table())
         if (f.detect_whole != nullptr && f.detect_whole(from)) return f;
+    refuse_packed(head);
     const format* by_suffix = format_by_suffix(from.name());
     if (by_suffix != nullptr && by_suffix->read != nullptr) return *by_suffix;
     throw unreadable("is of no known format: neither its content nor its name tells one");
@@ -102,7 +114,7 @@ const format& output_format(const std::string& path, const std::optional<std::st
     if (name) return format_named(*name);
     if (const format* found = format_by_suffix(path)) return *found;
     throw wrong_usage(path == "-" ? "standard output needs --format: one of " + known_names()
-                                  : path + ": no format has this suffix; --format takes one of " + known_names());
+                                  : "no format has this suffix; --format takes one of " + known_names());
 }
 
 mesh read_mesh(const source& from, const std::optional<std::string>& name)

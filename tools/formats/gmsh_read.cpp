@@ -20,8 +20,8 @@ public:
         input_.in.expect("$MeshFormat");
         read_format();
         for (std::string_view word = in().word(); !word.empty(); word = in().word()) take_section(std::string(word));
-        if (!input_.has_nodes) in().fail("the file ends before the $Nodes");
-        if (!input_.has_elements) in().fail("the file ends before the $Elements");
+        if (!input_.has_nodes) in().fail("the file ends before $Nodes");
+        if (!input_.has_elements) in().fail("the file ends before $Elements");
         return std::move(input_.result);
     }
 

@@ -103,7 +103,17 @@ private:
                 if (equal_words(section.keyword, word)) return read_elements(section.type);
             for (const char* foreign : {"QuadrilateralsQ2", "HexahedraQ2", "PrismsP2", "PyramidsP2"})
                 if (equal_words(foreign, word)) in().fail(word + " are not supported");
+            leave_out(word);
         }
+    }
+
+    // A section without a use here, as of corners and ridges, or with a misspelt name.
+    void leave_out(const std::string& word)
+    {
+        constexpr std::size_t enough = 8;
+        const std::string note = "section " + quoted(word.substr(0, 40)) + " left out";
+        if (result_.notes.size() < enough && std::ranges::find(result_.notes, note) == result_.notes.end())
+            result_.notes.push_back(note);
     }
 
     void read_nodes()

@@ -8,8 +8,8 @@
 #include <limits>
 #include <type_traits>
 
-#include "byte_source.h"
 #include "formats/cursor.h"
+#include "input/byte_source.h"
 
 namespace tool {
 namespace {

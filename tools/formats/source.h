@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "input_file.h"
+#include "input/input_file.h"
 
 namespace tool {
 

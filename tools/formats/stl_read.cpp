@@ -8,7 +8,7 @@
 #include "formats/cursor.h"
 #include "formats/scalar_type.h"
 #include "mesh/weld.h"
-#include "stl_format.h"
+#include "surface/stl_format.h"
 #include "words.h"
 
 namespace tool {

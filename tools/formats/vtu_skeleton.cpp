@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "byte_source.h"
 #include "errors.h"
 #include "formats/cursor.h"
+#include "input/byte_source.h"
 
 namespace tool {
 namespace {

@@ -45,6 +45,16 @@ struct check_mesh : testing::Test {
     }
 };
 
+TEST_F(check_mesh, TakesCoordinatesWhoseDistanceIsNoNumber)
+{
+    const tool::mesh m =
+        mesh_by_hand({{1e308, 0, 0}, {-1e308, 0, 0}, {-1e308, 1e308, 0}}).with(zeb::EL_TRIA3, {{0, 1, 2}});
+    write_mesh(m, folder.path("in.vtu"));
+    const run_result result = tessolv({"check", "--quiet", folder.path("in.vtu")});
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.find("coincident"), std::string::npos) << result.out;
+}
+
 TEST_F(check_mesh, GivesTheStatusOfTheVerdict)
 {
     const std::string sound = folder.write("sound.mesh", sound_medit);
@@ -70,6 +80,12 @@ TEST_F(check_mesh, TellsFaultsAndRulesForPeople)
           "\n! 1 inverted element, 50 %: tetra 12\n", "\n! 1 unused node, 20 %: node 5\n",
           "\n  rules 'default': ", "\n    tetrahedra: bad below 0.02, poor below 0.1, good from 0.4 on\n"})
         EXPECT_NE(out.find(line), std::string::npos) << line << " is not in\n" << out;
+}
+
+TEST_F(check_mesh, CallsAllOfThemAHundredPercent)
+{
+    const std::string all = file(mesh_by_hand(corner).with(zeb::EL_TETRA4, {{0, 1, 2, 3}}), "all.msh");
+    EXPECT_NE(tessolv({"check", all}).out.find("\n! 1 inverted element, 100 %: tetra 1\n"), std::string::npos);
 }
 
 TEST_F(check_mesh, TellsTheSameAsData)

@@ -21,6 +21,16 @@ TEST_P(WrongRules, AreRefused)
     EXPECT_THROW(tool::rules_from_json(GetParam(), tool::rules_of_profile("default")), tool::wrong_usage) << GetParam();
 }
 
+TEST(Rules, AreRefusedWithAllLimitsOfAKindThatDoNotAscend)
+{
+    try {
+        tool::rules_from_json(R"({"quality": {"tetra": {"bad": 0.5}}})", tool::rules_of_profile("solver"));
+        FAIL();
+    } catch (const tool::wrong_usage& told) {
+        EXPECT_STREQ(told.what(), "the rules: the limits of 'tetra' do not ascend: bad 0.5, warning 0.3, good 0.6");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Texts, WrongRules,
     testing::Values("", "[", "3", "[]", R"({"unknown": 1})", R"({"profile": "none"})", R"({"profile": 3})",

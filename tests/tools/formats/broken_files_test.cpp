@@ -193,6 +193,24 @@ TEST(EmptySection, OfABinaryFileIsRead)
     }
 }
 
+TEST(WrongFile, ThatIsPackedIsNamedSo)
+{
+    const std::pair<std::string, const char*> table[] = {
+        {"\x1F\x8B\x08", "is packed by gzip: unpack it first"},
+        {"BZh9", "is packed by bzip2: unpack it first"},
+        {std::string("\xFD\x37zXZ\0", 6), "is packed by xz: unpack it first"},
+        {"PK\x03\x04", "is packed by zip: unpack it first"},
+    };
+    for (const auto& [bytes, reason] : table) {
+        try {
+            input_format(source::of_bytes(bytes, "part.msh"), {});
+            ADD_FAILURE() << reason;
+        } catch (const unreadable& told) {
+            EXPECT_STREQ(told.what(), reason);
+        }
+    }
+}
+
 TEST(WrongFile, WithZeroBytesEnds)
 {
     for (const char* format : {"vtk", "vtu", "gmsh", "medit", "obj", "stl"}) {

@@ -66,6 +66,16 @@ TEST(ReadObj, CutsPolygonsAndKnowsGroupsContinuationsAndNegativeNumbers)
     EXPECT_EQ(m.notes[0], "1 polygon of five and more corners cut into triangles");
 }
 
+TEST(ReadMedit, TellsWhichSectionsItLeavesOutOnceEach)
+{
+    const mesh m = test::read_bytes_as(
+        "MeshVersionFormatted 2\nDimension 3\nVertices\n3\n0 0 0 0\n1 0 0 0\n0 1 0 0\nTriangels\n1\n1 2 3 1\n"
+        "Corners\n1\n2\nCorners\n1\n3\nEnd\n",
+        "medit");
+    EXPECT_EQ(m.notes, (std::vector<std::string>{"section 'Triangels' left out", "section 'Corners' left out"}));
+    EXPECT_EQ(m.element_count(), 0u);
+}
+
 TEST(ReadObj, CarriesANumberThatNamesNoNode)
 {
     const mesh m = test::read_bytes("v 0 0 0\nv 1 0 0\nf 1 2 7\nf 0 1 2\nf -9 1 2\n");

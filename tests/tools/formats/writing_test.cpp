@@ -141,6 +141,26 @@ TEST(Lossy, WritesCornersAndTellsWhatIsLeftOut)
     EXPECT_NE(std::ranges::find(notes, "2 wedges of 18 nodes written by their corners"), notes.end());
 }
 
+// What goes wrong in writing a mesh of these kinds.
+std::string refusal_of(const char* format, std::initializer_list<element_type> kinds)
+{
+    try {
+        std::string bytes;
+        sink to(bytes);
+        format_named(format).write(test::mesh_of(kinds), to, {});
+        return "written";
+    } catch (const unwritable& told) {
+        return told.what();
+    }
+}
+
+TEST(Refusal, NamesTheWayToASurfaceOnlyWhereTheFormatHoldsNoSolids)
+{
+    EXPECT_EQ(refusal_of("vtu", {EL_PYRAMID14}), "VTU cannot hold 2 pyramids of 14 nodes; --lossy writes what it can");
+    EXPECT_EQ(refusal_of("obj", {EL_HEXA8}),
+              "OBJ cannot hold 2 hexahedra; --lossy writes what it can, 'boundary' makes the surface");
+}
+
 TEST(LowerDimensions, AreLeftOutWhereAFormatHasNoPlaceForThem)
 {
     std::vector<std::string> notes;

@@ -1,0 +1,17 @@
+# Files in the repository, beside a Python script, are what the script makes:
+# cmake -DSCRIPT=file [-DPROGRAM=its first argument] -DFILES=names -DWORK=folder -P made_files_test.cmake
+find_program(python NAMES python3)
+if(NOT python)
+  message("SKIPPED: there is no python3 to make the files with")
+  return()
+endif()
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+execute_process(COMMAND ${python} -B ${SCRIPT} ${PROGRAM} ${WORK} COMMAND_ERROR_IS_FATAL ANY)
+cmake_path(GET SCRIPT PARENT_PATH folder)
+foreach(file IN LISTS FILES)
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${folder}/${file} ${WORK}/${file} RESULT_VARIABLE differs)
+  if(differs)
+    message(FATAL_ERROR "${file} is not what ${SCRIPT} makes")
+  endif()
+endforeach()
