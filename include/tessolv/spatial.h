@@ -65,8 +65,9 @@ public:
     /// @param nodes  node numbers, in the order that is shuffled.
     /// @return how many were inserted; 0 without a tree. Less than the valid ones only without memory.
     /// @note O(k log n) for k nodes, expected. Nodes inserted one by one in ascending positions make a deep tree: pass
-    ///       them in one list. A few nodes inserted into a large tree make its queries several times slower, since the
-    ///       grid that answers most of them is then left aside; reinit with all nodes brings it back.
+    ///       them in one list. More than 64 nodes inserted a few at a time into a large tree make its queries several
+    ///       times slower, since the grid that answers most of them is then left aside; reinit with all nodes brings
+    ///       it back.
     unsigned long insert(const dense1D<unsigned int>& nodes);
     /// The nodes of a matrix, each once, in the order in which they are met column by column.
     unsigned long insert(const dense2D<unsigned int>& connect);
