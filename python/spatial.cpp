@@ -54,6 +54,14 @@ py::tuple merge_pos(py::handle pos, double tolerance, py::handle out)
 
 // -- node_detector
 
+// Coordinates that a detector refers to, and the objects that they lie in: handed on together, so that neither can
+// outlive the other whatever threads do.
+struct searched_points {
+    dense2D<double> matrix;
+    bool exclusive = true;  // no other Python object can change them
+    std::vector<py::object> kept;
+};
+
 // A detector with the coordinates that it refers to. Queries may run at the same time; what changes it runs alone. The
 // mutex is only taken for as long as the interpreter's lock is not waited for, so that the two cannot block each other.
 class detector {
@@ -74,10 +82,8 @@ private:
 
     mutable std::shared_mutex mutex_;
     lib::node_detector searched_;
-    std::shared_ptr<dense2D<double>> points_;  // at a place that does not change
+    std::shared_ptr<searched_points> points_;  // at a place that does not change
     bool has_tree_ = false;
-    bool exclusive_points_ = true;  // no other Python object can change them
-    std::vector<py::object> kept_;
 };
 
 // Code of the library; the tree is the detector's own afterwards also where it is not replaced.
@@ -92,36 +98,35 @@ int build(lib::node_detector& searched, const dense2D<double>& points, const den
 void detector::reinit(py::handle pos, py::handle nodes, py::handle connect)
 {
     call c(connect.is_none() ? "NodeDetector" : "NodeDetector/connect");
-    auto points = std::make_shared<dense2D<double>>(c.matrix<double>(pos, "pos"));
-    const bool exclusive_points = c.exclusive();
+    auto points = std::make_shared<searched_points>();
+    dense2D<double> matrix = c.matrix<double>(pos, "pos");
+    points->matrix.swap(matrix);  // an assignment would copy what lies in memory of others
+    points->exclusive = c.exclusive();
+    points->kept = c.kept();
     const auto list = c.optional_vector<index>(nodes, "nodes");
     auto elements = connect.is_none() ? connectivities() : c.connectivity(connect, "connect");
     const int code = c.run([&] {
         const std::unique_lock alone(mutex_);
-        const int result =
-            build(searched_, *points, nodes.is_none() ? nullptr : &list, connect.is_none() ? nullptr : &elements);
+        const int result = build(searched_, points->matrix, nodes.is_none() ? nullptr : &list,
+                                 connect.is_none() ? nullptr : &elements);
         if (result == 0) {
-            points_.swap(points);
-            exclusive_points_ = exclusive_points;
+            points_.swap(points);  // the old ones go with the interpreter's lock held
             has_tree_ = true;
         } else if (nodes.is_none() && connect.is_none()) {
             has_tree_ = false;
         }
         return result;
     });
-    if (code == 0) kept_ = c.kept();
     c.translate(code);
 }
 
 void detector::clear()
 {
-    {
-        const std::unique_lock alone(mutex_);
-        searched_.clear();
-        has_tree_ = false;
-        points_.reset();
-    }
-    kept_.clear();
+    std::shared_ptr<searched_points> points;  // goes last: an object that is let go of may call back
+    const std::unique_lock alone(mutex_);
+    searched_.clear();
+    has_tree_ = false;
+    points_.swap(points);
 }
 
 std::unique_ptr<detector> detector::copy() const
@@ -132,8 +137,6 @@ std::unique_ptr<detector> detector::copy() const
     if (other->searched_.size() != searched_.size()) throw std::bad_alloc();
     other->points_ = points_;
     other->has_tree_ = has_tree_;
-    other->exclusive_points_ = exclusive_points_;
-    other->kept_ = kept_;
     return other;
 }
 
@@ -155,7 +158,7 @@ unsigned long detector::insert(py::handle nodes, py::handle connect)
     }
     const std::unique_lock alone(mutex_);
     if (!has_tree_) return 0;
-    const auto valid = std::count_if(list.begin(), list.end(), [&](index node) { return node < points_->cols; });
+    const auto valid = std::count_if(list.begin(), list.end(), [&](index node) { return node < points_->matrix.cols; });
     const unsigned long inserted = searched_.insert(list);
     if (inserted != static_cast<unsigned long>(valid)) throw std::bad_alloc();
     return inserted;
@@ -166,8 +169,9 @@ void detector::query(call& c, F f) const
 {
     const bool done = c.run([&] {
         const std::shared_lock together(mutex_);
-        if (exclusive_points_) f();
-        return exclusive_points_;
+        const bool exclusive = points_ == nullptr || points_->exclusive;
+        if (exclusive) f();
+        return exclusive;
     });
     if (done) return;
     const std::shared_lock together(mutex_);
