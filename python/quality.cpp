@@ -91,16 +91,26 @@ py::object edge_qualities(py::handle pos, py::handle connect, py::handle type, p
 void process(histogram& h, py::handle values)
 {
     call c("Histogram.process");
-    const py::array given = py::array::ensure(values);
-    if (!given) {
-        PyErr_Clear();
-        c.refuse("values", "is no array");
-    }
+    const py::array given = c.array(values, "values");
     if (given.ndim() == 0) {
         h.process(c.numbers(given, 1, "values").front());
     } else {
         h.process(c.vector<double>(given, "values"));
     }
+}
+
+histogram empty_histogram(py::handle lower, py::handle upper, py::handle bins)
+{
+    const call c("Histogram");
+    const index count = c.number(bins, "bins");
+    if (count == zeb::NONE_INDEX) c.refuse("bins", "is negative");
+    require_room(std::uint64_t{count} * sizeof(index));
+    return histogram(c.real(lower, "lower"), c.real(upper, "upper"), count);
+}
+
+std::string text_of(const histogram& h)
+{
+    return py::str("<tessolv.Histogram: {} values, mean {}>").format(h.count(), h.mean());
 }
 
 }  // namespace
@@ -111,9 +121,11 @@ void define_quality(py::module_& m)
     m.def("edge_lengths", &edge_lengths);
     m.def("edge_qualities", &edge_qualities);
     py::class_<histogram>(m, "Histogram", py::is_final())
-        .def(py::init<double, double, unsigned int>(), py::arg("lower") = -1.0, py::arg("upper") = 1.0,
-             py::arg("bins") = 20u)
+        .def(py::init(&empty_histogram), py::arg("lower") = -1.0, py::arg("upper") = 1.0, py::arg("bins") = 20u)
         .def("process", &process, py::arg("values"))
+        .def("__copy__", [](const histogram& h) { return histogram(h); })
+        .def("__deepcopy__", [](const histogram& h, py::handle) { return histogram(h); })
+        .def("__repr__", &text_of)
         .def_property_readonly("count", &histogram::count)
         .def_property_readonly("minimum", &histogram::minimum)
         .def_property_readonly("maximum", &histogram::maximum)

@@ -12,9 +12,10 @@ namespace {
 
 // -- merge
 
-py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, double tolerance)
+py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, py::handle within)
 {
     call c("merge/nodes");
+    const double tolerance = c.real(within, "tolerance");
     const auto points = c.matrix<double>(pos, "pos");
     const auto kept = c.vector<index>(nodes1, "nodes");
     const auto others = nodes2.is_none() ? kept.sub_vector(0, kept.size) : c.vector<index>(nodes2, "nodes2");
@@ -23,9 +24,10 @@ py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, doub
     return py::make_tuple(handed_over(std::move(new_ids)), merged);
 }
 
-py::tuple merge_connect(py::handle pos, py::handle connect, double tolerance, py::handle mode, py::handle out)
+py::tuple merge_connect(py::handle pos, py::handle connect, py::handle within, py::handle mode, py::handle out)
 {
     call c("merge/connect");
+    const double tolerance = c.real(within, "tolerance");
     auto elements = changed_connectivity(c, connect, out);
     const auto points = c.matrix<double>(pos, "pos");
     const index how = c.number(mode, "mode");
@@ -37,9 +39,10 @@ py::tuple merge_connect(py::handle pos, py::handle connect, double tolerance, py
     return py::make_tuple(result_of(std::move(elements)), handed_over(std::move(new_ids)), merged);
 }
 
-py::tuple merge_pos(py::handle pos, double tolerance, py::handle out)
+py::tuple merge_pos(py::handle pos, py::handle within, py::handle out)
 {
     call c("merge/pos");
+    const double tolerance = c.real(within, "tolerance");
     auto points = c.changed_matrix<double>(pos, out, "pos");
     // The library gives the result a buffer of its own: `out` takes it from there.
     const dense2D<double> target = points.values.sub_matrix(0, 0, points.values.rows, points.values.cols);
@@ -148,7 +151,7 @@ unsigned long detector::size() const
 
 unsigned long detector::insert(py::handle nodes, py::handle connect)
 {
-    call c("NodeDetector");
+    call c("NodeDetector.insert");
     dense1D<index> list = c.optional_vector<index>(nodes, "nodes");
     if (!connect.is_none()) {
         auto elements = c.connectivity(connect, "connect");
@@ -186,11 +189,7 @@ bool is_one(const py::array& array)
 // One point or rows of points, 2 or 3 numbers each.
 dense2D<double> points_of(call& c, py::handle value, std::string_view name, bool& one)
 {
-    py::array given = py::array::ensure(value);
-    if (!given) {
-        PyErr_Clear();
-        c.refuse(name, "is no array");
-    }
+    py::array given = c.array(value, name);
     one = is_one(given);
     if (one) given = given.attr("reshape")(1, -1);
     dense2D<double> points = c.matrix<double>(given, name);
@@ -260,7 +259,8 @@ py::object detector::in_box(py::handle lower, py::handle upper) const
     bool one = false, one_upper = false;
     const auto low = points_of(c, lower, "lower", one);
     const auto high = points_of(c, upper, "upper", one_upper);
-    if (low.rows != high.rows || low.cols != high.cols) c.refuse("upper", "has not the shape of lower");
+    if (one != one_upper || low.rows != high.rows || low.cols != high.cols)
+        c.refuse("upper", "has not the shape of lower");
     dense1D<index> found;
     py::array_t<std::int64_t> offsets(detail::count(low.cols + 1));
     std::int64_t* ends = offsets.mutable_data();
