@@ -376,3 +376,36 @@ def test_nothing_of_a_mesh_changes():
 def test_nothing_has_an_empty_boundary():
     assert Mesh([[0, 0]], {}).boundary().cells == {}
     assert len(Mesh([[0, 0]], {6: []}, None, {"n": {6: []}}).boundary().points) == 0
+
+
+@pytest.mark.parametrize("text", ["", "nothing\nof\nthis kind\n"])
+@pytest.mark.parametrize("ending", [".vtu", ".vtk", ".msh", ".ply", ".off", ".xml", ".nas", ".stl"])
+def test_a_file_that_cannot_be_read_is_an_error(ending, text, tmp_path):
+    path = tmp_path / f"broken{ending}"
+    path.write_text(text)
+    for name in (path, tmp_path / f"missing{ending}"):
+        with pytest.raises(ts.Error):
+            Mesh.read(name)
+    with pytest.raises(ts.Error):
+        Mesh.read(None)  # type: ignore[arg-type]
+
+
+def test_what_a_format_cannot_hold_is_an_error(tmp_path):
+    mesh = Mesh.read(DATA / "linear.msh")
+    for name in ("mesh", "mesh.unheard", "mesh.obj", "mesh.inp"):
+        with pytest.raises(ts.Error) as caught:
+            mesh.write(tmp_path / name)
+        assert caught.value.function == "write"
+
+
+def test_what_gmsh_wrote_is_written_for_gmsh(gmsh_file, tmp_path):
+    mesh = Mesh.read(gmsh_file)
+    for one in (mesh, mesh.weld(1e-6), Mesh(mesh.points, {t: c for t, c in mesh.cells.items() if t == max(mesh.cells)})):
+        one.write(tmp_path / "again.msh")
+        again = Mesh.read(tmp_path / "again.msh")
+        np.testing.assert_allclose(again.points, one.points, rtol=1e-12)
+        assert list(again.cells) == list(one.cells)
+        for type, connect in one.cells.items():
+            np.testing.assert_array_equal(again.cells[type], connect)
+            for name, fields in one.cell_data.items():
+                np.testing.assert_array_equal(again.cell_data[name][type], fields[type])
