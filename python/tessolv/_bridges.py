@@ -32,6 +32,8 @@ class Parts(NamedTuple):
 
 def parts_of_meshio(mesh: Any) -> Parts:
     """A `meshio.Mesh` in the numbering of the library; blocks of one kind become one."""
+    if not all(hasattr(mesh, name) for name in ("points", "cells", "point_data", "cell_data")):
+        raise Error("from_meshio", None, "mesh", "is no meshio.Mesh")
     blocks: Dict[ElementType, List[int]] = {}
     for i, block in enumerate(mesh.cells):
         if block.type not in _KINDS:

@@ -114,6 +114,9 @@ def test_an_unknown_convention_or_kind_is_refused():
     with pytest.raises(ts.Error) as caught:
         ts.from_meshio(meshio.Mesh(np.zeros((5, 3)), [("line4", np.zeros((1, 4), int))]))
     assert "line4" in caught.value.reason
+    with pytest.raises(ts.Error) as caught:
+        ts.from_meshio("solids.msh")
+    assert caught.value.argument == "mesh"
 
 
 def corner_volumes(P, faces):
