@@ -9,7 +9,7 @@
 #include "input/input_file.h"
 #include "mesh/kinds.h"
 #include "module.h"
-#include "surface/stl_survey.h"
+#include "stl/stl_survey.h"
 #include "words.h"
 
 namespace binding {

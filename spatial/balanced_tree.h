@@ -25,6 +25,12 @@ public:
 
     std::size_t size() const { return items_.size(); }
 
+    // In an order in which those that are near one another are seldom far apart.
+    const scratch<item>& items() const { return items_; }
+
+    // The longest side of the box around all items; 0 without any.
+    double longest_side() const;
+
     // Calls visit(item) for the items in the box until it answers false.
     template <class Visit>
     void visit_box(const box<D>& b, Visit visit) const;
@@ -98,6 +104,15 @@ void balanced_tree<D>::split(const range& r)
                      [widest](const item& a, const item& c) { return a.x[widest] < c.x[widest]; });
     split(low);
     split(half(r, 1));
+}
+
+template <int D>
+double balanced_tree<D>::longest_side() const
+{
+    double longest = 0;
+    for (int d = 0; d < D && !items_.empty(); ++d)
+        longest = std::max(longest, bounds_[0].upper[d] - bounds_[0].lower[d]);
+    return longest;
 }
 
 template <int D>

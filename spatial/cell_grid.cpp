@@ -11,7 +11,6 @@ constexpr double nodes_per_cell = 2;
 constexpr std::size_t fewest_nodes = 256;       // of less a walk is short
 constexpr unsigned int longest_side = 1 << 14;  // in cells, so that floats tell a thousandth of one
 constexpr double most_crowded = 64;             // nodes that share a cell with a node, on average
-constexpr double extreme = 1e100;               // squares of coordinates neither overflow nor vanish
 constexpr float far_away = 1e30f;
 
 template <std::size_t D>
@@ -20,20 +19,6 @@ float squared_distance(const std::array<float, D>& a, const std::array<float, D>
     float sum = 0;
     for (std::size_t d = 0; d < D; ++d) sum += (a[d] - b[d]) * (a[d] - b[d]);
     return sum;
-}
-
-template <int D>
-bool bound(const scratch<tree_record<D>>& records, box<D>& b)
-{
-    b = {records[0].x, records[0].x};
-    bool are_numbers = true;
-    for (const tree_record<D>& record : records)
-        for (int d = 0; d < D; ++d) {
-            b.lower[d] = std::min(b.lower[d], record.x[d]);
-            b.upper[d] = std::max(b.upper[d], record.x[d]);
-            are_numbers &= std::abs(record.x[d]) < extreme;
-        }
-    return are_numbers;
 }
 
 // The width that makes `cells` cubic cells of a box, whose flat sides count for one cell.
@@ -54,7 +39,7 @@ double cell_width(const point<D>& extent, double cells)
 // The record of a set that the walk for P meets first: in descent() one on the way of P into the tree, in search() the
 // record itself, the side of P, the other side. Positions in preorder, ascending.
 template <int D>
-unsigned int first_met(const scratch<tree_record<D>>& records, const unsigned int* first, const unsigned int* last,
+unsigned int first_met(const tree_table<D>& records, const unsigned int* first, const unsigned int* last,
                        const point<D>& P)
 {
     const unsigned int* begin = first;
@@ -62,7 +47,7 @@ unsigned int first_met(const scratch<tree_record<D>>& records, const unsigned in
     int d = 0;
     for (unsigned int r = 0; begin != end && r != NONE_INDEX; d = next_dimension<D>(d)) {
         if (*begin == r) return r;
-        const bool is_left = goes_left(records[r].x[d], P[d]);
+        const bool is_left = goes_left(records.x(r)[d], P[d]);
         const unsigned int* middle = std::lower_bound(begin, end, records[r].right);
         (is_left ? end : begin) = middle;
         r = is_left ? records[r].left : records[r].right;
@@ -73,7 +58,7 @@ unsigned int first_met(const scratch<tree_record<D>>& records, const unsigned in
     for (unsigned int r = 0;; d = next_dimension<D>(d)) {
         if (*begin == r) return r;
         const unsigned int* middle = std::lower_bound(begin, end, records[r].right);
-        const bool left_is_near = records[r].x[d] >= P[d];
+        const bool left_is_near = records.x(r)[d] >= P[d];
         const bool is_left = middle == end || (middle != begin && left_is_near);
         (is_left ? end : begin) = middle;
         r = is_left ? records[r].left : records[r].right;
@@ -83,75 +68,81 @@ unsigned int first_met(const scratch<tree_record<D>>& records, const unsigned in
 }  // namespace
 
 template <int D>
-bool cell_grid<D>::build(const table& records)
+void cell_grid<D>::fit(const extent<D>& nodes, std::size_t count)
 {
     starts_.clear();
     entries_.clear();
-    if (records.size() < fewest_nodes || !choose_cells(records)) return true;
-    return enter(records);
+    suits_ = count >= fewest_nodes && nodes.is_moderate && choose_cells(nodes, count);
+    if (suits_) return;
+    double longest = 0;
+    for (int d = 0; d < D; ++d) longest = std::max(longest, nodes.bounds.upper[d] - nodes.bounds.lower[d]);
+    frame_ = {nodes.bounds.lower, longest > 1 / extent<D>::extreme ? 1 / longest : 0.0};
 }
 
 template <int D>
-bool cell_grid<D>::choose_cells(const table& records)
+bool cell_grid<D>::choose_cells(const extent<D>& nodes, std::size_t count)
 {
-    box<D> b;
-    if (!bound(records, b)) return false;
-    point<D> extent;
+    point<D> sides;
     double largest = 0;
     for (int d = 0; d < D; ++d) {
-        extent[d] = b.upper[d] - b.lower[d];
-        largest = std::max({largest, std::abs(b.lower[d]), std::abs(b.upper[d])});
+        const auto& [lower, upper] = nodes.bounds;
+        sides[d] = upper[d] - lower[d];
+        largest = std::max({largest, std::abs(lower[d]), std::abs(upper[d])});
     }
-    const double width = cell_width<D>(extent, static_cast<double>(records.size()) / nodes_per_cell);
-    if (!(width > 1 / extreme)) return false;
-    lower_ = b.lower;
-    cells_per_unit_ = 1 / width;
+    const double width = cell_width<D>(sides, static_cast<double>(count) / nodes_per_cell);
+    if (!(width > 1 / extent<D>::extreme)) return false;
+    frame_ = {nodes.bounds.lower, 1 / width};
     unsigned int longest = 0;
     for (int d = 0; d < D; ++d) {
-        const double side = extent[d] * cells_per_unit_;
+        const double side = sides[d] * frame_.units;
         if (!(side < longest_side - 1)) return false;
         shape_[d] = static_cast<unsigned int>(side) + 1;
         longest = std::max(longest, shape_[d]);
     }
     const double rounding = largest * 0x1p-49;
     blur_exact_ = rounding;
-    blur_ = longest * 0x1p-21 + rounding * cells_per_unit_;
+    blur_ = longest * 0x1p-21 + rounding * frame_.units;
     return blur_ < 0.02;
 }
 
-// Sorts the records by cell, those of a cell in ascending order.
+// Sorts the nodes by cell, those of a cell in ascending order of their records.
 template <int D>
-bool cell_grid<D>::enter(const table& records)
+bool cell_grid<D>::enter(const scratch<rough_node<D>>& nodes, scratch<rough_node<D>>& room)
 {
+    if (!suits_) return true;
     std::size_t cells = 1;
     for (const unsigned int side : shape_) cells *= side;
     if (!starts_.allocate(cells + 2, 0)) return false;
     double company = 0;
-    for (const tree_record<D>& record : records) company += 2 * starts_[cell_at(in_cells(record.x)) + 2]++ + 1;
-    if (company > most_crowded * static_cast<double>(records.size())) return true;
-    if (!entries_.allocate(records.size())) return false;
+    for (const rough_node<D>& node : nodes) company += 2 * starts_[cell_at(node.u) + 2]++ + 1;
+    if (company > most_crowded * static_cast<double>(nodes.size())) return true;
+    entries_.swap(room);
+    if (!entries_.allocate(nodes.size())) return false;
     for (std::size_t c = 2; c < starts_.size(); ++c) starts_[c] += starts_[c - 1];
-    for (unsigned int r = 0; r < records.size(); ++r) {
-        const point<D> u = in_cells(records[r].x);
-        entry& entered = entries_[starts_[cell_at(u) + 1]++];
-        for (int d = 0; d < D; ++d) entered.u[d] = static_cast<float>(u[d]);
-        entered.record = r;
-    }
+    for (unsigned int r = 0; r < nodes.size(); ++r) entries_[starts_[cell_at(nodes[r].u) + 1]++] = {nodes[r].u, r};
     starts_.truncate(cells + 1);
     return true;
 }
 
 template <int D>
-point<D> cell_grid<D>::in_cells(const point<D>& x) const
+bool cell_grid<D>::copy(const cell_grid& other)
 {
-    point<D> u;
-    for (int d = 0; d < D; ++d) u[d] = (x[d] - lower_[d]) * cells_per_unit_;
-    return u;
+    cell_grid made;
+    if (!made.starts_.allocate(other.starts_.size()) || !made.entries_.allocate(other.entries_.size())) return false;
+    std::copy(other.starts_.begin(), other.starts_.end(), made.starts_.begin());
+    std::copy(other.entries_.begin(), other.entries_.end(), made.entries_.begin());
+    made.frame_ = other.frame_;
+    made.suits_ = other.suits_;
+    made.blur_ = other.blur_;
+    made.blur_exact_ = other.blur_exact_;
+    made.shape_ = other.shape_;
+    std::swap(*this, made);
+    return true;
 }
 
-// Of a point in the grid.
+// Of a node in the grid.
 template <int D>
-std::uint64_t cell_grid<D>::cell_at(const point<D>& u) const
+std::uint64_t cell_grid<D>::cell_at(const float_point& u) const
 {
     std::uint64_t cell = 0;
     for (int d = D - 1; d >= 0; --d) cell = cell * shape_[d] + std::min(static_cast<unsigned int>(u[d]), shape_[d] - 1);
@@ -204,10 +195,10 @@ typename cell_grid<D>::nearest cell_grid<D>::nearest_within(const table& records
         for (unsigned int i = begin; i < end; ++i) {
             const entry& e = entries_[i];
             const float square = squared_distance(e.u, q.v);
-            if (q.excluded != NONE_INDEX && square <= here && records[e.record].node == q.excluded) continue;
+            if (q.excluded != NONE_INDEX && square <= here && records[e.node].node == q.excluded) continue;
             // Without branches, which nobody could foresee.
             found.next_square = std::min(found.next_square, std::max(found.square, square));
-            found.record = square < found.square ? e.record : found.record;
+            found.record = square < found.square ? e.node : found.record;
             found.square = std::min(found.square, square);
         }
     });
@@ -221,7 +212,7 @@ bool cell_grid<D>::find_closest(const table& records, const point<D>& P, unsigne
     // Holds the closest of evenly spread nodes 5 times of 6; with 0.75 queries took a tenth longer.
     constexpr double usual_radius = 0.6;
     constexpr double largest_radius = 6;
-    query q{P, in_cells(P), {}, excluded};
+    query q{P, frame_.place(P), {}, excluded};
     for (int d = 0; d < D; ++d) {
         if (!(std::abs(q.u[d]) < 2.0 * longest_side)) return false;
         q.v[d] = static_cast<float>(q.u[d]);
@@ -257,15 +248,14 @@ bool cell_grid<D>::settle_tie(const table& records, const query& q, double reach
     const float limit = static_cast<float>(reach * reach * (1 + 0x1p-20));
     visit(cells_between(lower, upper), [&](unsigned int begin, unsigned int end) {
         for (unsigned int i = begin; i < end; ++i) {
-            if (squared_distance(entries_[i].u, q.v) > limit || records[entries_[i].record].node == q.excluded)
-                continue;
-            if (close.count < close.record.size()) close.record[close.count] = entries_[i].record;
+            if (squared_distance(entries_[i].u, q.v) > limit || records[entries_[i].node].node == q.excluded) continue;
+            if (close.count < close.record.size()) close.record[close.count] = entries_[i].node;
             ++close.count;
         }
     });
     if (close.count == 0 || close.count > close.record.size()) return false;
 
-    const auto square_of = [&](unsigned int r) { return squared_distance(records[r].x, q.P); };
+    const auto square_of = [&](unsigned int r) { return squared_distance(records.x(r), q.P); };
     unsigned int* const first = close.record.data();
     unsigned int* const last = first + close.count;
     double least = square_of(*first);
@@ -286,11 +276,13 @@ bool cell_grid<D>::find_in_box(const table& records, const box<D>& b, dense1D<un
     constexpr std::uint64_t most_cells = 512;
     std::array<unsigned int, 256> hits;
     std::size_t count = 0;
-    const point<D> lower = in_cells(b.lower);
-    const point<D> upper = in_cells(b.upper);
+    const point<D> lower = frame_.place(b.lower);
+    const point<D> upper = frame_.place(b.upper);
     std::uint64_t cell_count = 1;
     for (int d = 0; d < D; ++d)
-        if (!(lower[d] <= upper[d] && std::abs(b.lower[d]) < extreme && std::abs(b.upper[d]) < extreme)) return false;
+        if (!(lower[d] <= upper[d] && std::abs(b.lower[d]) < extent<D>::extreme &&
+              std::abs(b.upper[d]) < extent<D>::extreme))
+            return false;
     const cell_range cells = cells_between(lower, upper);
     for (int d = 0; d < D; ++d) cell_count *= cells.last[d] - cells.first[d] + 1;
     if (cell_count > most_cells) return false;
@@ -311,8 +303,8 @@ bool cell_grid<D>::find_in_box(const table& records, const box<D>& b, dense1D<un
                 may_be_hit &= outer_lower[d] <= e.u[d] && e.u[d] <= outer_upper[d];
                 is_hit &= inner_lower[d] <= e.u[d] && e.u[d] <= inner_upper[d];
             }
-            if (!may_be_hit || (!is_hit && !b.contains(records[e.record].x))) continue;
-            if (count < hits.size()) hits[count] = e.record;
+            if (!may_be_hit || (!is_hit && !b.contains(records.x(e.node)))) continue;
+            if (count < hits.size()) hits[count] = e.node;
             ++count;
         }
     });

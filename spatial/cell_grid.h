@@ -6,6 +6,7 @@
 #include <zeb/dense1D.h>
 
 #include "core/scratch.h"
+#include "spatial/rough_node.h"
 #include "spatial/tree_record.h"
 
 namespace zeb::tessolv {
@@ -17,11 +18,19 @@ namespace zeb::tessolv {
 template <int D>
 class cell_grid {
 public:
-    using table = scratch<tree_record<D>>;
+    using table = tree_table<D>;
 
-    // For a table in preorder. It stays empty where nodes crowd in few cells or have coordinates that are no finite
-    // numbers or too many digits apart. False without memory.
-    [[nodiscard]] bool build(const table& records);
+    // Chooses the cells for so many nodes in an extent, and with them the frame in which their positions are rough: cells
+    // are its unit. A grid does not suit coordinates that are no finite numbers or too many digits apart.
+    void fit(const extent<D>& nodes, std::size_t count);
+    const frame<D>& cells() const { return frame_; }
+
+    // Takes in the nodes of a table in preorder, in their order, and takes over the room for as many. It stays empty where
+    // they crowd in few cells. False without memory.
+    [[nodiscard]] bool enter(const scratch<rough_node<D>>& nodes, scratch<rough_node<D>>& room);
+
+    // False without memory, and nothing has changed.
+    [[nodiscard]] bool copy(const cell_grid& other);
 
     // Number of records it was built for, 0 if a grid does not suit them.
     std::size_t size() const { return entries_.size(); }
@@ -34,10 +43,7 @@ public:
 private:
     using float_point = std::array<float, D>;
 
-    struct entry {
-        float_point u;  // position in widths of a cell
-        unsigned int record;
-    };
+    using entry = rough_node<D>;  // with the number of its record
     struct cell_range {
         std::array<unsigned int, D> first;
         std::array<unsigned int, D> last;  // belongs to it
@@ -55,18 +61,16 @@ private:
         unsigned int excluded;
     };
 
-    bool choose_cells(const table& records);
-    bool enter(const table& records);
-    point<D> in_cells(const point<D>& x) const;
-    std::uint64_t cell_at(const point<D>& u) const;
+    bool choose_cells(const extent<D>& nodes, std::size_t count);
+    std::uint64_t cell_at(const float_point& u) const;
     cell_range cells_between(const point<D>& lower, const point<D>& upper) const;
     template <class Visit>
     void visit(const cell_range& cells, Visit visit_run) const;
     nearest nearest_within(const table& records, const query& q, double radius) const;
     bool settle_tie(const table& records, const query& q, double reach, unsigned int& closest) const;
 
-    point<D> lower_{};
-    double cells_per_unit_ = 0;
+    frame<D> frame_;
+    bool suits_ = false;
     double blur_ = 0;        // what is wrong with a distance in floats, at most
     double blur_exact_ = 0;  // what rounding of coordinates does to a distance in the walk, at most
     std::array<unsigned int, D> shape_{};

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <numeric>
 
 namespace zeb::tessolv {
 namespace {
@@ -74,12 +73,12 @@ typename deep_index<D>::path deep_index<D>::path_to(const table& records, unsign
     const int d = static_cast<int>(above.depth % D);
     here.depth = above.depth + 1;
     here.jump = above.depth - jump.depth == jump.depth - paths_[jump.jump].depth ? jump.jump : parent;
-    here.is_hidden = above.is_hidden || std::isnan(records[parent].x[d]);
+    here.is_hidden = above.is_hidden || std::isnan(records.x(parent)[d]);
     here.lower = above.lower;
     here.upper = above.upper;
     if (records[parent].left == r)
         here.upper[d] = parent;
-    else if (!std::isnan(records[parent].x[d]))
+    else if (!std::isnan(records.x(parent)[d]))
         here.lower[d] = parent;
     return here;
 }
@@ -87,20 +86,26 @@ typename deep_index<D>::path deep_index<D>::path_to(const table& records, unsign
 template <int D>
 bool deep_index<D>::gather_places(const table& records)
 {
-    scratch<unsigned int> order;
+    struct located {
+        point<D> x;
+        unsigned int record;
+    };
+    scratch<located> order;
     scratch<typename balanced_tree<D>::item> items;
     if (!order.allocate(records.size())) return false;
-    std::iota(order.begin(), order.end(), 0u);
-    const auto has_nan = [&](unsigned int r) { return records[r].x != records[r].x; };
-    unsigned int* end = std::remove_if(order.begin(), order.end(), has_nan);
-    std::sort(order.begin(), end, [&](unsigned int a, unsigned int b) {
-        return records[a].x != records[b].x ? records[a].x < records[b].x : a < b;
-    });
-    for (const unsigned int* first = order.begin(); first != end;) {
-        const auto is_elsewhere = [&](unsigned int r) { return records[r].x != records[*first].x; };
-        const unsigned int* next = std::find_if(first, static_cast<const unsigned int*>(end), is_elsewhere);
-        if (!items.push_back({records[*first].x, static_cast<unsigned int>(places_.size())})) return false;
-        if (!add_place(records, first, next)) return false;
+    for (unsigned int r = 0; r < records.size(); ++r) order[r] = {records.x(r), r};
+    located* const end =
+        std::remove_if(order.begin(), order.end(), [](const located& l) { return l.x != l.x; });  // NaN
+    std::sort(order.begin(), end,
+              [](const located& a, const located& b) { return a.x != b.x ? a.x < b.x : a.record < b.record; });
+    scratch<unsigned int> at_place;
+    for (const located* first = order.begin(); first != end;) {
+        at_place.clear();
+        const located* next = first;
+        for (; next != end && next->x == first->x; ++next)
+            if (!at_place.push_back(next->record)) return false;
+        if (!items.push_back({first->x, static_cast<unsigned int>(places_.size())})) return false;
+        if (!add_place(records, at_place.begin(), at_place.end())) return false;
         first = next;
     }
     return tree_.build(items);
@@ -144,7 +149,7 @@ unsigned int deep_index<D>::preferred(const table& records, unsigned int a, unsi
     const bool a_is_on_way = is_on_way(records, a, P);
     const bool b_is_on_way = is_on_way(records, b, P);
     if (a_is_on_way && b_is_on_way)
-        return squared_distance(records[b].x, P) < squared_distance(records[a].x, P) ? b : a;
+        return squared_distance(records.x(b), P) < squared_distance(records.x(a), P) ? b : a;
     if (a_is_on_way || b_is_on_way) return a_is_on_way ? a : b;
 
     unsigned int common = a;
@@ -152,7 +157,7 @@ unsigned int deep_index<D>::preferred(const table& records, unsigned int a, unsi
         const unsigned int jump = paths_[common].jump;
         common = paths_[jump].end <= b ? jump : records[common].parent;
     }
-    const bool left_is_near = records[common].x[paths_[common].depth % D] >= P[paths_[common].depth % D];
+    const bool left_is_near = records.x(common)[paths_[common].depth % D] >= P[paths_[common].depth % D];
     return common == a || left_is_near ? a : b;
 }
 
@@ -162,10 +167,10 @@ bool deep_index<D>::is_on_way(const table& records, unsigned int r, const point<
 {
     const path& here = paths_[r];
     for (int d = 0; d < D; ++d) {
-        if (here.lower[d] != NONE_INDEX && goes_left(records[here.lower[d]].x[d], P[d])) return false;
-        if (here.upper[d] != NONE_INDEX && !goes_left(records[here.upper[d]].x[d], P[d])) return false;
+        if (here.lower[d] != NONE_INDEX && goes_left(records.x(here.lower[d])[d], P[d])) return false;
+        if (here.upper[d] != NONE_INDEX && !goes_left(records.x(here.upper[d])[d], P[d])) return false;
     }
-    return squared_distance(records[r].x, P) < largest;
+    return squared_distance(records.x(r), P) < largest;
 }
 
 // Makes room first, as pushing the hits one by one does; where memory ends, the last ones are lost.

@@ -22,7 +22,7 @@ namespace zeb::tessolv {
 template <int D>
 class deep_index {
 public:
-    using table = scratch<tree_record<D>>;
+    using table = tree_table<D>;
 
     // For a table in preorder that is not empty. False without memory, and nothing has changed.
     [[nodiscard]] bool build(const table& records);

@@ -18,7 +18,7 @@ namespace zeb::tessolv {
 template <int D>
 class kd_tree {
 public:
-    explicit kd_tree(const dense2D<double>& pos) : pos_(&pos) {}
+    explicit kd_tree(const dense2D<double>& pos) : pos_(&pos), records_(pos) {}
 
     // A tree of the same records over the same matrix. False, and nothing changed, without memory.
     [[nodiscard]] bool copy(const kd_tree& other);
@@ -49,23 +49,31 @@ private:
     // Walks down to here are cheap; random nodes by the billion on a line in space come nearly this far.
     static constexpr unsigned int walkable_depth = 256;
 
-    const point<D>& position(unsigned int r) const;
+    // Of records that were linked after the grid was made, so many are looked at one by one beside it.
+    static constexpr std::size_t most_late = 64;
+
+    point<D> position(unsigned int r) const;
     bool has_shrunk() const { return columns_used_ > pos_->cols; }
     bool is_indexed() const { return !records_.empty() && index_.size() == records_.size() && !has_shrunk(); }
-    bool has_grid() const { return !records_.empty() && grid_.size() == records_.size() && !has_shrunk(); }
+    bool has_grid() const
+    {
+        return grid_.size() != 0 && records_.size() - grid_.size() <= most_late && is_ordered_ && !has_shrunk();
+    }
+    bool is_closer_than_late(const point<D>& P, unsigned int excluded, unsigned int closest) const;
+    bool is_late_in(const box<D>& b) const;
     bool pays_to_rebuild(std::uint64_t added) const;
     [[nodiscard]] bool link(unsigned int node);
-    [[nodiscard]] bool rebuild_with(const scratch<unsigned int>& nodes);
+    [[nodiscard]] bool rebuild_with(const scratch<unsigned int>& nodes, const extent<D>& bounds);
     candidate descend(const point<D>& P, unsigned int excluded) const;
     void search(const point<D>& P, unsigned int excluded, candidate& closest) const;
 
     const dense2D<double>* pos_;
-    scratch<tree_record<D>> records_;  // record 0 is the root, parents stand before their children
-    unsigned int deepest_ = 0;         // depth of the deepest record
-    std::uint64_t columns_used_ = 0;   // no record has a node from there on
-    bool is_ordered_ = true;           // left and right of a record are as its coordinates say
-    cell_grid<D> grid_;                // in front of the walk, unless nodes were linked since
-    deep_index<D> index_;              // of a tree that is too deep to be walked, unless nodes were linked since
+    tree_table<D> records_;           // record 0 is the root, parents stand before their children
+    unsigned int deepest_ = 0;        // depth of the deepest record
+    std::uint64_t columns_used_ = 0;  // no record has a node from there on
+    bool is_ordered_ = true;          // left and right of a record are as its coordinates say
+    cell_grid<D> grid_;               // in front of the walk, unless many nodes were linked since
+    deep_index<D> index_;             // of a tree that is too deep to be walked, unless nodes were linked since
 };
 
 extern template class kd_tree<2>;

@@ -19,7 +19,7 @@ class ordered_splitter {
 public:
     // Sets the links among the `count` records from `begin` on, which stand in order of insertion; the first is their
     // root, of depth `depth`. False without memory.
-    [[nodiscard]] bool run(tree_record<D>* records, unsigned int begin, unsigned int count, unsigned int depth);
+    [[nodiscard]] bool run(tree_table<D>& records, unsigned int begin, unsigned int count, unsigned int depth);
 
     // Depth of the deepest record that was linked.
     unsigned int deepest() const { return deepest_; }
@@ -43,7 +43,7 @@ private:
         bool is_left;
     };
 
-    double coordinate(unsigned int i, int d) const { return records_[begin_ + i].x[d]; }
+    double coordinate(unsigned int i, int d) const { return positions_[i][d]; }
     bool sort(part& all);
     void chain(int k, const unsigned int* order, std::size_t count, ends& list);
     void remove(part& from, unsigned int i);
@@ -51,9 +51,10 @@ private:
     part split_off(part& from, const side& moved, int d);
     void attach(unsigned int root, const part& child, bool is_left);
 
-    tree_record<D>* records_ = nullptr;
+    tree_record* records_ = nullptr;
     unsigned int begin_ = 0;
     unsigned int deepest_ = 0;
+    scratch<point<D>> positions_;
     std::array<scratch<unsigned int>, lists> next_;
     std::array<scratch<unsigned int>, lists> previous_;
     std::array<scratch<unsigned int>, lists> rank_;
@@ -61,11 +62,13 @@ private:
 };
 
 template <int D>
-bool ordered_splitter<D>::run(tree_record<D>* records, unsigned int begin, unsigned int count, unsigned int depth)
+bool ordered_splitter<D>::run(tree_table<D>& records, unsigned int begin, unsigned int count, unsigned int depth)
 {
-    records_ = records;
+    records_ = records.data();
     begin_ = begin;
     deepest_ = depth;
+    if (!positions_.allocate(count)) return false;
+    for (unsigned int i = 0; i < count; ++i) positions_[i] = records.x(begin + i);
     // The smaller part is split first, so that no more than log2(n) of the larger ones wait.
     std::array<part, 40> waiting;
     std::size_t top = 1;
@@ -175,7 +178,7 @@ typename ordered_splitter<D>::part ordered_splitter<D>::split_off(part& from, co
 template <int D>
 void ordered_splitter<D>::attach(unsigned int root, const part& child, bool is_left)
 {
-    tree_record<D>& record = records_[begin_ + root];
+    tree_record& record = records_[begin_ + root];
     const unsigned int first = child.count != 0 ? begin_ + child.list[by_insertion].first : NONE_INDEX;
     (is_left ? record.left : record.right) = first;
     if (first != NONE_INDEX) records_[first].parent = begin_ + root;

@@ -1,6 +1,8 @@
 #include "spatial/set_merge.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "core/scratch.h"
 #include "spatial/balanced_tree.h"
@@ -51,7 +53,9 @@ private:
     bool is_lonely_bystander(const visitor& v) const;
     bool merge_in_rounds(std::uint64_t most);
     bool start_round();
+    bool order_collectors();
     double reach_of(std::uint32_t end) const;
+    std::uint32_t calmer_end(std::uint32_t end, int failures) const;
     outcome collect(std::uint32_t begin, std::uint32_t end, std::uint64_t most);
     bool add_own_pairs(std::uint32_t begin, std::uint32_t end);
     void apply(const node_pair& pair);
@@ -65,7 +69,9 @@ private:
     unsigned int* new_IDs_;
     std::uint64_t merges_ = 0;
     scratch<visitor> visitors_;
-    balanced_tree<D> neighborhood_;  // the sites that visitors with company look at
+    balanced_tree<D> neighborhood_;     // the sites that visitors with company look at
+    scratch<unsigned int> collectors_;  // visitors with company, in the order of their places there
+    double crowd_ = 0;                  // neighbours of a visitor in the collection that was given up last
     scratch<node_pair> pairs_;
 };
 
@@ -77,6 +83,7 @@ bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsi
     const auto end = std::remove_if(visitors_.begin(), visitors_.end(), lonely);
     visitors_.truncate(static_cast<std::size_t>(end - visitors_.begin()));
 
+    if (!order_collectors()) return false;
     const outcome at_once = collect(0, beyond_all, most);
     if (at_once == outcome::complete)
         apply_pairs();
@@ -158,6 +165,27 @@ bool set_merge<D>::find_company()
     return neighborhood_.build(looked_at);
 }
 
+// Orders the visitors with company by their places in the neighbourhood: each finds what it needs where the one before
+// has been. Those whose site nobody looks at come last.
+template <int D>
+bool set_merge<D>::order_collectors()
+{
+    collectors_.clear();
+    if (neighborhood_.size() == 0) return true;
+    scratch<unsigned int> place;
+    scratch<unsigned int> ends;
+    if (!place.allocate(sites_.size(), static_cast<unsigned>(neighborhood_.size())) ||
+        !ends.allocate(neighborhood_.size() + 2, 0))
+        return false;
+    for (unsigned int k = 0; k < neighborhood_.size(); ++k) place[neighborhood_.items()[k].id] = k;
+    for (const visitor& v : visitors_) ends[place[v.site] + 1] += v.has_company;
+    for (std::size_t k = 1; k < ends.size(); ++k) ends[k] += ends[k - 1];
+    if (!collectors_.allocate(ends.back())) return false;
+    for (unsigned int i = 0; i < visitors_.size(); ++i)
+        if (visitors_[i].has_company) collectors_[ends[place[visitors_[i].site]]++] = i;
+    return true;
+}
+
 // A visitor with a single target in its box passes it over. Of one that is a target this means itself.
 template <int D>
 bool set_merge<D>::is_lonely_bystander(const visitor& v) const
@@ -191,8 +219,8 @@ typename set_merge<D>::outcome set_merge<D>::collect(std::uint32_t begin, std::u
     outcome result = outcome::complete;
     std::uint64_t looked_at = 0;
     pairs_.clear();
-    for (const visitor& v : visitors_) {
-        if (!v.has_company) continue;
+    for (const unsigned int& i : collectors_) {
+        const visitor& v = visitors_[i];
         const point<D>& P = sites_[v.site].x;
         const box<D> around = box_around<D>(P, tolerance_);
         neighborhood_.visit_box(box_around<D>(P, reach), [&](const auto& item) {
@@ -205,7 +233,10 @@ typename set_merge<D>::outcome set_merge<D>::collect(std::uint32_t begin, std::u
                 result = outcome::no_memory;
             return result == outcome::complete;
         });
-        if (result != outcome::complete) return result;
+        if (result != outcome::complete) {
+            crowd_ = static_cast<double>(looked_at) / static_cast<double>(&i - collectors_.begin() + 1);
+            return result;
+        }
     }
     return add_own_pairs(begin, end) ? outcome::complete : outcome::no_memory;
 }
@@ -263,31 +294,47 @@ void set_merge<D>::settle_followers()
     }
 }
 
-// Ranks are the bits of a float: steps in them are ratios of distances. A round is not made shorter than some percent
-// of its distance; if that still has more neighbours than the bound, they have to be taken.
+// Ranks are the bits of a float: steps in them are ratios of distances.
+constexpr std::uint32_t twice_the_distance = 1u << 23;
+constexpr std::uint32_t least_step = twice_the_distance / 16;
+
+// The end of a first round in which visitors have a few neighbours, after one that ended at `end` had too many: their
+// number grows with the power D of the distance. Where it does not, with clusters of clusters, further failures lead
+// farther down.
+template <int D>
+std::uint32_t set_merge<D>::calmer_end(std::uint32_t end, int failures) const
+{
+    constexpr double few = 6;
+    const double reach = std::min(reach_of(end), neighborhood_.longest_side() / 2);
+    const double calmer = reach * std::pow(few / std::max(crowd_, 2 * few), static_cast<double>(failures) / D);
+    const std::uint32_t wanted = calmer > 0 && calmer < reach ? rank_of(calmer) : end / 2;
+    return std::max(least_step, std::min(wanted, end - least_step));
+}
+
+// A round is not made shorter than some percent of its distance; if that still has more neighbours than the bound, they
+// have to be taken.
 template <int D>
 bool set_merge<D>::merge_in_rounds(std::uint64_t most)
 {
-    constexpr std::uint32_t twice_the_distance = 1u << 23;
-    constexpr std::uint32_t least_step = twice_the_distance / 16;
-    std::uint32_t step = beyond_all / 2;
-    for (std::uint32_t begin = 0; begin < beyond_all; begin += step) {
-        if (begin != 0) step = pairs_.empty() ? 2 * step : twice_the_distance;
+    std::uint32_t begin = 0;
+    std::uint32_t end = calmer_end(beyond_all, 1);
+    while (true) {
         if ((begin == 0 || !pairs_.empty()) && !start_round()) return false;
-        if (visitors_.size() * neighborhood_.size() <= most) step = beyond_all;
-        step = std::min(step, beyond_all - begin);
-        outcome result = collect(begin, begin + step, most);
-        while (result == outcome::too_many) {
-            if (step > least_step)
-                step /= 2;
-            else
+        if (visitors_.size() * neighborhood_.size() <= most / 16) end = beyond_all;
+        outcome result = collect(begin, end, most);
+        for (int failures = 1; result == outcome::too_many; ++failures) {
+            if (end - begin <= least_step)
                 most = 2 * most + visitors_.size();
-            result = collect(begin, begin + step, most);
+            else
+                end = begin == 0 ? calmer_end(end, failures) : begin + (end - begin) / 2;
+            result = collect(begin, end, most);
         }
         if (result == outcome::no_memory) return false;
         apply_pairs();
+        if (end == beyond_all) return true;
+        const std::uint32_t step = begin != 0 && pairs_.empty() ? 2 * (end - begin) : twice_the_distance;
+        begin = std::exchange(end, end + std::min(step, beyond_all - end));
     }
-    return true;
 }
 
 // Drops the visitors that were taken and arranges the sites that have something left.
@@ -301,7 +348,7 @@ bool set_merge<D>::start_round()
     scratch<typename balanced_tree<D>::item> open;
     for (unsigned int s = 0; s < sites_.size(); ++s)
         if (has_free(sites_[s], NONE_INDEX) && !open.push_back({sites_[s].x, s})) return false;
-    return neighborhood_.build(open);
+    return neighborhood_.build(open) && order_collectors();
 }
 
 template <int D>

@@ -3,6 +3,7 @@
 
 #include <tessolv/element_type.h>
 
+#include "core/scratch.h"
 #include "spatial/point.h"
 
 namespace zeb::tessolv {
@@ -10,16 +11,27 @@ namespace zeb::tessolv {
 // A node in a search tree. Depth k splits dimension k mod D at the coordinate c of its record: what is less than c lies
 // on the left, what is equal or greater on the right. Links are positions in the table of records, NONE_INDEX where
 // there is none.
-template <int D>
 struct tree_record {
-    point<D> x;  // kept beside the links: a walk touches one piece of memory per record
     unsigned int node;
     unsigned int left;
     unsigned int right;
     unsigned int parent;
 };
 
-static_assert(sizeof(tree_record<2>) == 32 && sizeof(tree_record<3>) == 40);
+// The records of a search tree over columns of a matrix, which has the coordinates.
+template <int D>
+class tree_table : public scratch<tree_record> {
+public:
+    explicit tree_table(const dense2D<double>& pos) : pos_(&pos) {}
+
+    const dense2D<double>& matrix() const { return *pos_; }
+
+    // Position of a record whose node is a column of the matrix.
+    point<D> x(std::size_t record) const { return position_of<D>(*pos_, (*this)[record].node); }
+
+private:
+    const dense2D<double>* pos_;
+};
 
 template <int D>
 constexpr int next_dimension(int d)

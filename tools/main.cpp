@@ -8,23 +8,32 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/command.h"
+#include "commands/options.h"
+#include "documents/documents.h"
 #include "help.h"
 
 namespace {
 
 using tool::exit_status;
 
-exit_status run(int argc, char** argv)
+void declare(CLI::App& program, std::function<exit_status()>& chosen)
 {
-    CLI::App program("", "tessolv");
     program.formatter(std::make_shared<tool::help_formatter>());
     program.set_version_flag("--version", std::string("tessolv ") + zeb::tessolv::version());
     program.require_subcommand(1);
-    std::function<exit_status()> chosen;
     for (const tool::command& command : tool::all_commands()) {
         CLI::App* app = program.add_subcommand(command.name, command.summary);
+        tool::declare_colour(*app);
         app->callback([&chosen, work = command.declare(*app)] { chosen = work; });
     }
+    tool::declare_document(program, chosen);
+}
+
+exit_status run(int argc, char** argv)
+{
+    CLI::App program("", "tessolv");
+    std::function<exit_status()> chosen;
+    declare(program, chosen);
     try {
         program.parse(argc, argv);
     } catch (const CLI::Success& answered) {  // --help, --version

@@ -31,8 +31,11 @@ unsigned width_of_output()
     return width > 0 && width < 10000 ? static_cast<unsigned>(width) : terminal().width;
 }
 
+colours chosen_colours = colours::automatic;
+
 bool colours_wanted()
 {
+    if (chosen_colours != colours::automatic) return chosen_colours == colours::always;
     const char* no_colour = std::getenv("NO_COLOR");
     const char* kind = std::getenv("TERM");
     return isatty(STDOUT_FILENO) != 0 && (no_colour == nullptr || *no_colour == '\0') && kind != nullptr &&
@@ -40,6 +43,11 @@ bool colours_wanted()
 }
 
 }  // namespace
+
+void use_colours(colours when)
+{
+    chosen_colours = when;
+}
 
 terminal standard_output_terminal()
 {

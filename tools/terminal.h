@@ -12,7 +12,11 @@ struct terminal {
     bool colour = false;
 };
 
-// From the terminal, or COLUMNS; from the locale; NO_COLOR and TERM=dumb switch colours off.
+// --color: on a terminal only, in any case, or never.
+enum class colours { automatic, always, never };
+void use_colours(colours when);
+
+// From the terminal, or COLUMNS; from the locale. Without a choice of colours NO_COLOR and TERM=dumb switch them off.
 terminal standard_output_terminal();
 
 // File names may hold anything: control characters must not reach the terminal.

@@ -18,7 +18,6 @@ using zeb::dense1D;
 using zeb::dense2D;
 using zeb::NONE_INDEX;
 using zeb::tessolv::box;
-using zeb::tessolv::cell_grid;
 using zeb::tessolv::point;
 
 std::vector<unsigned> all_columns(const dense2D<double>& pos)
@@ -30,14 +29,12 @@ std::vector<unsigned> all_columns(const dense2D<double>& pos)
 
 template <int D>
 class gridded_tree : built_tree<D> {
+    using built_tree<D>::grid_;
     using built_tree<D>::records_;
     using built_tree<D>::walked_;
 
 public:
-    explicit gridded_tree(const dense2D<double>& pos) : built_tree<D>(pos, all_columns(pos))
-    {
-        EXPECT_TRUE(grid_.build(records_));
-    }
+    explicit gridded_tree(const dense2D<double>& pos) : built_tree<D>(pos, all_columns(pos)) {}
 
     bool has_grid() const { return grid_.size() == records_.size(); }
     unsigned asked() const { return asked_; }
@@ -66,7 +63,6 @@ public:
     }
 
 private:
-    cell_grid<D> grid_;
     unsigned asked_ = 0;
     unsigned answered_ = 0;
 };

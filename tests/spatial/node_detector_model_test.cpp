@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "spatial/random_points.h"
+#include "spatial/spread_nodes.h"
 #include "spatial/tree_model.h"
 #include "support/stored_call.h"
 
@@ -142,6 +143,38 @@ TEST_P(NodeDetectorModel, AgreesOverThousandsOfNodes)
         expected.insert(all_columns(pos));
         expect_same_answers(node_detector(pos), expected, pos, random, odd, 17);
         if (HasFatalFailure()) return;
+    }
+}
+
+// Nodes one by one into a tree over hundreds: near to nodes that are there, at equal distances, coincident, no numbers.
+TEST_P(NodeDetectorModel, AgreesAfterEachOfFewInsertionsIntoHundredsOfNodes)
+{
+    for (unsigned seed = 0; seed < 54; ++seed) {
+        SCOPED_TRACE(seed);
+        test::random_source random(seed);
+        const auto kind = static_cast<test::spread>(seed % static_cast<unsigned>(test::spread::count));
+        dense2D<double> pos = test::spread_points(random, kind, GetParam(), 400);
+        if (seed % 4 == 3) pos(0, 399) = std::numeric_limits<double>::quiet_NaN();
+        std::vector<unsigned> early = all_columns(pos);
+        const std::vector<unsigned> late(early.end() - 6, early.end());
+        early.resize(early.size() - late.size());
+        model::tree expected(pos);
+        expected.insert(early);
+        node_detector detector(pos, test::indices(early));
+        for (const unsigned node : late) {
+            expected.insert({node});
+            ASSERT_EQ(detector.insert(test::indices({node})), 1u);
+            for (unsigned k = 0; k < 400; ++k) ASSERT_EQ(detector.find_closest(k), expected.find_closest_to(k)) << k;
+            for (int k = 0; k < 40; ++k) {
+                const model::position P = test::spread_position(random, kind, GetParam());
+                ASSERT_EQ(find_closest(detector, P), expected.find_closest(P)) << testing::PrintToString(P);
+                model::position Q = P;
+                for (double& value : Q) value += 0.3 * random.real() * (kind == test::spread::lattice ? 9 : 1);
+                std::vector<unsigned> hits;
+                expected.find_in_box(P, Q, hits);
+                ASSERT_EQ(find_in_box(detector, P, Q), hits);
+            }
+        }
     }
 }
 

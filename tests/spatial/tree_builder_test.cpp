@@ -11,24 +11,28 @@
 
 namespace {
 
+using zeb::dense2D;
 using zeb::NONE_INDEX;
 using zeb::tessolv::copy_in_preorder;
+using zeb::tessolv::extent;
+using zeb::tessolv::frame;
 using zeb::tessolv::goes_left;
 using zeb::tessolv::ordered_splitter;
 using zeb::tessolv::scratch;
 using zeb::tessolv::tree_builder;
 using zeb::tessolv::tree_record;
+using zeb::tessolv::tree_table;
 
 template <int D>
-using records = scratch<tree_record<D>>;
+using records = tree_table<D>;
 
+// Records of all columns, not linked.
 template <int D>
-records<D> copy_of(const records<D>& from)
+records<D> unlinked(const dense2D<double>& pos)
 {
-    records<D> to;
-    EXPECT_TRUE(to.allocate(from.size()));
-    std::copy(from.begin(), from.end(), to.begin());
-    return to;
+    records<D> made(pos);
+    for (unsigned i = 0; i < pos.cols; ++i) EXPECT_TRUE(made.push_back({i, 7, 7, 7}));
+    return made;
 }
 
 template <int D>
@@ -39,7 +43,7 @@ unsigned insert_one_by_one(records<D>& tree)
         tree[i].left = tree[i].right = tree[i].parent = NONE_INDEX;
         unsigned depth = 0;
         for (unsigned r = 0; i != 0; ++depth) {
-            unsigned& child = goes_left(tree[r].x[depth % D], tree[i].x[depth % D]) ? tree[r].left : tree[r].right;
+            unsigned& child = goes_left(tree.x(r)[depth % D], tree.x(i)[depth % D]) ? tree[r].left : tree[r].right;
             tree[i].parent = r;
             if (child == NONE_INDEX) {
                 child = i;
@@ -53,8 +57,7 @@ unsigned insert_one_by_one(records<D>& tree)
     return deepest;
 }
 
-template <int D>
-std::vector<std::array<unsigned, 4>> links(const records<D>& tree)
+std::vector<std::array<unsigned, 4>> links(const scratch<tree_record>& tree)
 {
     std::vector<std::array<unsigned, 4>> all;
     for (const auto& r : tree) all.push_back({r.node, r.left, r.right, r.parent});
@@ -64,23 +67,34 @@ std::vector<std::array<unsigned, 4>> links(const records<D>& tree)
 template <int D>
 void expect_tree_of_insertions(const std::vector<std::array<double, D>>& points)
 {
-    records<D> batch;
-    ASSERT_TRUE(batch.allocate(points.size()));
-    for (unsigned i = 0; i < points.size(); ++i) batch[i] = {points[i], i, 7, 7, 7};
-    records<D> literal = copy_of(batch);
-    records<D> split = copy_of(batch);
+    dense2D<double> pos(D, points.size());
+    extent<D> bounds;
+    scratch<unsigned> order;
+    for (unsigned i = 0; i < points.size(); ++i) {
+        for (unsigned d = 0; d < D; ++d) pos(d, i) = points[i][d];
+        bounds.include(points[i]);
+        ASSERT_TRUE(order.push_back(i));
+    }
+    records<D> literal = unlinked<D>(pos);
+    records<D> split = unlinked<D>(pos);
     const unsigned depth = insert_one_by_one(literal);
-    records<D> expected;
+    scratch<tree_record> expected;
     ASSERT_TRUE(copy_in_preorder(literal, expected));
 
-    tree_builder<D> builder;
-    ASSERT_TRUE(builder.run(batch));
-    ASSERT_EQ(links(batch), links(expected));
-    ASSERT_EQ(builder.deepest(), depth);
+    // In a frame where floats tell most positions apart, and in frames where they tell few and none.
+    for (const double units : {1.0, 1e-42, 0.0}) {
+        const frame<D> rough{bounds.bounds.lower, units};
+        tree_builder<D> builder(bounds, rough);
+        records<D> batch(pos);
+        ASSERT_TRUE(builder.run(order, batch));
+        ASSERT_EQ(links(batch), links(expected));
+        ASSERT_EQ(builder.deepest(), depth);
+        for (unsigned r = 0; r < batch.size(); ++r) ASSERT_EQ(builder.rough_nodes()[r].node, batch[r].node);
+    }
 
     ordered_splitter<D> splitter;
     split[0].parent = NONE_INDEX;
-    ASSERT_TRUE(splitter.run(split.data(), 0, static_cast<unsigned>(split.size()), 0));
+    ASSERT_TRUE(splitter.run(split, 0, static_cast<unsigned>(split.size()), 0));
     ASSERT_EQ(links(split), links(literal));
     ASSERT_EQ(splitter.deepest(), depth);
 }
@@ -136,9 +150,10 @@ TYPED_TEST(TreeBuilder, MakesChains)
 
 TYPED_TEST(TreeBuilder, TakesNoRecordsAndOne)
 {
-    records<TypeParam::value> none;
-    tree_builder<TypeParam::value> builder;
-    EXPECT_TRUE(builder.run(none));
+    const dense2D<double> pos(TypeParam::value, 0);
+    records<TypeParam::value> none(pos);
+    tree_builder<TypeParam::value> builder({}, {});
+    EXPECT_TRUE(builder.run({}, none));
     EXPECT_EQ(none.size(), 0u);
     expect_tree_of_insertions<TypeParam::value>(points_by<TypeParam::value>(1, [](unsigned, int) { return 3.0; }));
 }

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
 #include <stdexcept>
 
 #include "tools/stl_files.h"
@@ -36,12 +38,36 @@ void redirect(const std::string& path, int descriptor)
         const rlimit limit{*options.memory, *options.memory};
         if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(127);
     }
+    if (options.file_size) {
+        const rlimit limit{*options.file_size, *options.file_size};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(127);
+    }
     std::vector<std::string> environment = options.environment;  // the first entry of a name counts
     for (const char* entry : {"LC_ALL=C", "TERM=xterm", "ASAN_OPTIONS=allocator_may_return_null=1"})
         environment.emplace_back(entry);
     arguments.insert(arguments.begin(), "tessolv");
     execve(TESSOLV_PROGRAM, pointers(arguments).data(), pointers(environment).data());
     _exit(127);
+}
+
+bool grows_in(const std::string& folder)
+{
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().filename().string().find(".part-") != std::string::npos) return true;
+    return false;
+}
+
+// Leaves the child to be waited for.
+void interrupt_while_writing(pid_t child, const std::string& folder)
+{
+    siginfo_t ended{};
+    while (waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid == 0) {
+        if (grows_in(folder)) {
+            kill(child, SIGINT);
+            return;
+        }
+        usleep(500);
+    }
 }
 
 }  // namespace
@@ -54,6 +80,7 @@ run_result tessolv(const std::vector<std::string>& arguments, const run_options&
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("no process");
     if (child == 0) become_tessolv(arguments, options, out, err);
+    if (!options.interrupted_in.empty()) interrupt_while_writing(child, options.interrupted_in);
 
     int state = 0;
     waitpid(child, &state, 0);

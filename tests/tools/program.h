@@ -11,6 +11,8 @@ namespace test {
 struct run_options {
     std::string standard_output = {};                   // a file for it instead of collecting it
     std::optional<std::uint64_t> memory = {};           // address space in bytes
+    std::optional<std::uint64_t> file_size = {};        // of the longest file that it may write, in bytes
+    std::string interrupted_in = {};                    // SIGINT once a file without its name grows in that folder
     std::vector<std::string> environment = {};          // NAME=value, beside LC_ALL=C
     std::optional<std::string> working_directory = {};  // of the program
 };

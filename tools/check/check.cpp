@@ -6,38 +6,44 @@
 #include <utility>
 
 #include "check/mesh_report.h"
+#include "check/surface_json_report.h"
+#include "check/surface_report.h"
+#include "check/surface_text_report.h"
 #include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
-#include "surface/json_report.h"
-#include "surface/surface_report.h"
-#include "surface/text_report.h"
+#include "formats/file_beside.h"
+#include "progress.h"
 #include "terminal.h"
 #include "words.h"
 
 namespace tool {
 namespace {
 
-rules rules_of(const check_options& options)
+// What cannot be opened, or tells nothing of itself, goes the way of STL too if its name says so.
+bool is_stl_file(const std::string& path, const std::optional<std::string>& format)
 {
-    const rules base = rules_of_profile(options.profile.value_or("default"));
-    if (!options.rules_file) return base;
-    const source from = source::open(*options.rules_file);
-    std::string text(from.size(), '\0');
-    from.read_at(0, text.data(), text.size());
-    return rules_from_json(text, base);
+    const source from = source::open(path);
+    if (from.size() == 0) return true;
+    return input_format(from, format).name == "stl";
 }
 
+// The library's own writer, whose file is seen once it is whole.
 exit_status write_vtk(const std::string& path, const surface& surface)
 {
-    const int result = zeb::tessolv::vtk_output(path.c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
-    constexpr int cannot_write = -1;
-    if (result == cannot_write) {
+    try {
+        progress::stage("writing", path);
+        file_beside file(path);
+        constexpr int cannot_write = -1;
+        const int result = zeb::tessolv::vtk_output(file.name().c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
+        if (result == cannot_write) throw unwritable("cannot be written");
+        checked(result, "vtk_output");
+        file.commit();
+        return exit_clean;
+    } catch (const unwritable&) {
         complain(path, "cannot be written");
         return exit_unwritable;
     }
-    checked(result, "vtk_output");
-    return exit_clean;
 }
 
 class checker {
@@ -50,8 +56,10 @@ public:
     // Whatever happens to one file, the next ones are still looked at.
     exit_status run(const std::string& path)
     {
+        const progress shown(!shared_.json && !shared_.quiet, path);
         try {
-            return is_surveyed(path) ? check_facets(path) : check_mesh(path);
+            progress::stage("reading", path);
+            return is_told_by_facets(path, options_) ? check_facets(path) : check_mesh(path);
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
             complain(failed.file, failed.reason);
@@ -63,21 +71,6 @@ public:
     }
 
 private:
-    // Whether the facets of the file are told, as the library's own reader takes them.
-    bool is_surveyed(const std::string& path) const
-    {
-        if (options_.is_general() || path == "-") return false;
-        return options_.stl || is_stl_file(path);
-    }
-
-    // What cannot be opened, or tells nothing of itself, goes the way of STL too if its name says so.
-    bool is_stl_file(const std::string& path) const
-    {
-        const source from = source::open(path);
-        if (from.size() == 0) return true;
-        return input_format(from, shared_.format).name == "stl";
-    }
-
     exit_status check_facets(const std::string& path)
     {
         const input_file file(path);
@@ -97,14 +90,23 @@ private:
     {
         if (shared_.output) throw wrong_usage("--output is for the surfaces of STL files; see --extract and 'convert'");
         const loaded input = load(path, shared_);
-        const examination verdict = examine(input.content, rules_);
+        const rules by = rules_for(input.content);
+        const examination verdict = examine(input.content, by);
         if (options_.extract) extract(input.content, verdict);
         const mesh_report report{
-            path,        std::string(input.as->name), std::string(input.as->title), input.content, verdict, rules_,
-            options_.ids};
+            path, std::string(input.as->name), std::string(input.as->title), input.content, verdict, by, options_.ids};
         show([&] { return json_of(report); }, [&] { return verdict_of(report, terminal_); },
              [&] { return text_of(report, terminal_); });
         return verdict.is_clean() ? exit_clean : exit_problems;
+    }
+
+    // The rules with the tolerance of the command line, which is a distance, in diagonals of this mesh.
+    rules rules_for(const mesh& m) const
+    {
+        rules by = rules_;
+        const double diagonal = box_of(m).diagonal();
+        if (shared_.tolerance && diagonal > 0) by.coincident = *shared_.tolerance / diagonal;
+        return by;
     }
 
     void extract(const mesh& m, const examination& verdict) const
@@ -141,13 +143,33 @@ private:
 
 }  // namespace
 
+rules rules_in_force(const check_options& options)
+{
+    const std::string named = options.rules_file.value_or("--profile");
+    try {
+        rules base = rules_of_profile(options.profile.value_or("default"));
+        if (!options.rules_file) return base;
+        const source from = source::open(*options.rules_file);
+        std::string text(from.size(), '\0');
+        from.read_at(0, text.data(), text.size());
+        return rules_from_json(text, base);
+    } catch (const std::exception&) {
+        throw failure_of(named, std::current_exception());
+    }
+}
+
+bool is_told_by_facets(const std::string& path, const check_options& options)
+{
+    if (options.is_general() || path == "-") return false;
+    return options.stl || is_stl_file(path, options.shared.format);
+}
+
 exit_status check(const check_options& options)
 {
     rules by;
     try {
-        by = rules_of(options);
-    } catch (const std::exception&) {
-        const failure failed = failure_of(options.rules_file.value_or("--profile"), std::current_exception());
+        by = rules_in_force(options);
+    } catch (const failure& failed) {
         complain(failed.file, failed.reason);
         return failed.status;
     }

@@ -8,7 +8,7 @@
 #include "commands/options.h"
 #include "exit_status.h"
 #include "findings/rules.h"
-#include "surface/stl_format.h"
+#include "stl/stl_format.h"
 
 namespace tool {
 
@@ -21,8 +21,14 @@ struct check_options {
     bool ids = false;
 
     // STL files are judged like any other mesh.
-    bool is_general() const { return profile || rules_file || extract || ids; }
+    bool is_general() const { return profile || rules_file || extract || ids || shared.tolerance; }
 };
+
+// What --profile and --rules say. Throws `failure`.
+rules rules_in_force(const check_options& options);
+
+// Whether the facets of the file are told, as the library's own reader takes them, instead of a mesh of any kind.
+bool is_told_by_facets(const std::string& path, const check_options& options);
 
 // tessolv check: reports on every file; the worst status counts.
 exit_status check(const check_options& options);

@@ -52,8 +52,9 @@ json texts_of(const mesh_report& report, severity level)
     json texts = json::array();
     for (const found& f : report.verdict.faults)
         if (f.level == level) texts.push_back(f.text);
-    if (level == severity::note)
-        for (const std::string& note : report.content.notes) texts.push_back(note);
+    if (level != severity::note) return texts;
+    for (const lost_edges& lost : report.verdict.lost) texts.push_back(words_of(lost));
+    for (const std::string& note : report.content.notes) texts.push_back(note);
     return texts;
 }
 

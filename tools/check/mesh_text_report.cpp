@@ -131,6 +131,7 @@ std::string text_of(const mesh_report& report, const terminal& out)
     std::string text = painted(printable(report.file), "1", out) + "  (" + report.format_title + ")\n\n" +
                        counts(report) + box_lines(report.verdict) + quality_lines(report.verdict) + '\n';
     for (const found& f : report.verdict.faults) text += fault_line(report, f, out);
+    for (const lost_edges& lost : report.verdict.lost) text += "  note: " + words_of(lost) + '\n';
     for (const std::string& note : report.content.notes) text += "  note: " + printable(note) + '\n';
     return text + rules_lines(report) + '\n' + verdict_of(report, out);
 }

@@ -31,6 +31,7 @@ std::function<exit_status()> declare_info(CLI::App& app);
 std::function<exit_status()> declare_neighbors(CLI::App& app);
 std::function<exit_status()> declare_parts(CLI::App& app);
 std::function<exit_status()> declare_quality(CLI::App& app);
+std::function<exit_status()> declare_report(CLI::App& app);
 std::function<exit_status()> declare_transform(CLI::App& app);
 std::function<exit_status()> declare_weld(CLI::App& app);
 

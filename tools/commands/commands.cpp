@@ -7,6 +7,7 @@ std::span<const command> all_commands()
     static constexpr command commands[] = {
         {"info", "tells what a mesh file holds", declare_info},
         {"check", "says whether a mesh is sound, and what is wrong with it", declare_check},
+        {"report", "writes a page about a mesh: the verdict, tables, its surface in 3-D", declare_report},
         {"quality", "measures the shapes of the elements", declare_quality},
         {"weld", "makes one node of those that coincide", declare_weld},
         {"clean", "removes degenerate and duplicate elements and unused nodes", declare_clean},

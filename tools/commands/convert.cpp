@@ -2,6 +2,7 @@
 
 #include "commands/command.h"
 #include "commands/files.h"
+#include "commands/tables.h"
 
 namespace tool {
 
@@ -10,6 +11,7 @@ std::function<exit_status()> declare_convert(CLI::App& app)
     const auto options = std::make_shared<shared_options>();
     declare_file(app, *options);
     declare_output(app, *options)->required();
+    declare_json(app, *options);
     declare_quiet(app, *options);
     return [options] {
         return for_each_file(*options, [&](const std::string& path) {
@@ -17,6 +19,12 @@ std::function<exit_status()> declare_convert(CLI::App& app)
             if (!options->quiet)
                 for (const std::string& note : input.content.notes) remark(path, note);
             save(input.content, *options);
+            if (options->json)
+                print_json({{"file", path},
+                            {"format", std::string(input.as->name)},
+                            {"output", *options->output},
+                            {"nodes", input.content.pos.cols},
+                            {"elements", input.content.element_count()}});
             return exit_clean;
         });
     };

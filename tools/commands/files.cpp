@@ -6,6 +6,7 @@
 
 #include "errors.h"
 #include "formats/medit_read.h"
+#include "progress.h"
 #include "terminal.h"
 
 namespace tool {
@@ -20,15 +21,24 @@ void add_solution(const std::string& path, mesh& m)
     }
 }
 
+// Whether two outputs would end up in one place.
+bool outputs_collide(const shared_options& options)
+{
+    if (options.json && (options.output == "-" || options.table == "-")) return true;
+    return options.output && options.output == options.table;
+}
+
 }  // namespace
 
 void print(const std::string& text)
 {
+    progress::erase();
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 void complain(const std::string& file, const std::string& reason)
 {
+    progress::erase();
     std::fflush(stdout);  // what was told before stands before, also where both streams lead to one file
     std::fprintf(stderr, "tessolv: %s: %s\n", printable(file).c_str(), printable(reason).c_str());
 }
@@ -60,10 +70,12 @@ failure failure_of(const std::string& file, const std::exception_ptr& error)
 loaded load(const std::string& path, const shared_options& options)
 {
     try {
+        progress::stage("reading", path);
         source from = source::open(path);
         const format& as = input_format(from, options.format_of_inputs());
         mesh content = read_mesh(from, std::string(as.name));
         if (options.solution) add_solution(*options.solution, content);
+        progress::stage("working on", path);
         return {std::move(from), &as, std::move(content)};
     } catch (const std::exception&) {
         throw failure_of(path, std::current_exception());
@@ -81,16 +93,24 @@ loaded load_sound(const std::string& path, const shared_options& options)
     return input;
 }
 
+void require_no_input(const std::string& path, const shared_options& options)
+{
+    const auto is_output = [&](const std::string& file) {
+        return file != "-" && path != "-" && source::open(file).is_same_file(path);
+    };
+    std::vector<std::string> inputs = options.files;
+    if (options.solution) inputs.push_back(*options.solution);
+    if (!options.force && std::ranges::any_of(inputs, is_output))
+        throw failure(exit_usage, path, "is the input file, which is overwritten with --force only");
+}
+
 void save(const mesh& m, const shared_options& options)
 {
     const std::string& path = options.output.value();
     std::vector<std::string> notes;
     try {
-        const auto is_output = [&](const std::string& file) {
-            return file != "-" && path != "-" && source::open(file).is_same_file(path);
-        };
-        if (!options.force && std::ranges::any_of(options.files, is_output))
-            throw wrong_usage("is the input file, which is overwritten with --force only");
+        require_no_input(path, options);
+        progress::stage("writing", path);
         write_options how;
         how.ascii = options.ascii;
         how.lossy = options.lossy;
@@ -104,11 +124,31 @@ void save(const mesh& m, const shared_options& options)
         if (!options.quiet) remark(path, note);
 }
 
+void save_table(const shared_options& options, const std::function<void(sink&)>& write)
+{
+    if (!options.table) return;
+    try {
+        require_no_input(*options.table, options);
+        progress::stage("writing", *options.table);
+        sink to(*options.table);
+        write(to);
+        to.commit();
+    } catch (const std::exception&) {
+        throw failure_of(*options.table, std::current_exception());
+    }
+}
+
 exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
                           const std::function<void(const failure&)>& on_failure)
 {
+    if (outputs_collide(options)) {
+        const bool standard = options.output == "-" || options.table == "-";
+        complain(standard ? "standard output" : *options.output, "has two outputs to take");
+        return exit_usage;
+    }
     exit_status worst = exit_clean;
     for (const std::string& path : options.files) {
+        const progress shown(!options.json && !options.quiet, path);
         try {
             worst = std::max(worst, work(path));
         } catch (const std::exception&) {

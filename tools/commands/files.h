@@ -38,6 +38,9 @@ struct loaded {
 loaded load(const std::string& path, const shared_options& options);
 loaded load_sound(const std::string& path, const shared_options& options);
 
+// Throws `failure` when a path leads to one of the inputs, unless --force is given.
+void require_no_input(const std::string& path, const shared_options& options);
+
 // Writes the mesh to options.output. An input is not overwritten without --force. Remarks go to standard error, unless
 // --quiet. Throws `failure`.
 void save(const mesh& m, const shared_options& options);
@@ -46,6 +49,9 @@ void save(const mesh& m, const shared_options& options);
 // counts. on_failure, if any, is told of each failure besides the complaint.
 exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
                           const std::function<void(const failure&)>& on_failure = {});
+
+// Writes the second output by write(sink), where it is asked for. Throws `failure`.
+void save_table(const shared_options& options, const std::function<void(sink&)>& write);
 
 // Puts any exception into the form of a failure of that file.
 failure failure_of(const std::string& file, const std::exception_ptr& error);

@@ -152,10 +152,14 @@ std::function<exit_status()> declare_info(CLI::App& app)
     declare_files(app, *options);
     declare_input_format(app, *options);
     declare_json(app, *options);
+    declare_quiet(app, *options);
     return [options] {
         return for_each_file(*options, [&](const std::string& path) {
             const loaded input = load_sound(path, *options);
-            print(options->json ? json_text(path, input) : plain_text(path, input));
+            if (options->json)
+                print(json_text(path, input));
+            else if (!options->quiet)
+                print(plain_text(path, input));
             return exit_clean;
         });
     };

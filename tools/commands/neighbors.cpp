@@ -18,7 +18,6 @@ namespace {
 
 struct neighbors_options {
     shared_options shared;
-    std::optional<std::string> list;
 };
 
 // The only element across each face: the place of that element, or none on the border and at faces of three or more.
@@ -48,9 +47,8 @@ adjacency adjacency_of(const mesh& m)
 }
 
 // A line for each element: its kind and number, then those of its neighbours across the faces in the library's order.
-void write_list(const std::string& path, const mesh& m, const adjacency& a)
+void write_list(sink& to, const mesh& m, const adjacency& a)
 {
-    sink to(path);
     const element_places places(m);
     const auto name = [&](std::uint64_t place) {
         const element_block& block = m.blocks[places.block_of(place)];
@@ -69,7 +67,6 @@ void write_list(const std::string& path, const mesh& m, const adjacency& a)
         }
         to.put('\n');
     }
-    to.commit();
 }
 
 exit_status neighbors(const std::string& path, const neighbors_options& options)
@@ -77,11 +74,7 @@ exit_status neighbors(const std::string& path, const neighbors_options& options)
     loaded input = load_sound(path, options.shared);
     mesh& m = input.content;
     const adjacency a = adjacency_of(m);
-    try {
-        if (options.list) write_list(*options.list, m, a);
-    } catch (const std::exception&) {
-        throw failure_of(*options.list, std::current_exception());
-    }
+    save_table(options.shared, [&](sink& to) { write_list(to, m, a); });
     if (options.shared.json)
         print_json({{"file", path}, {"links", a.links}, {"free_faces", a.free}, {"nonmanifold_faces", a.branching}});
     else if (!options.shared.quiet)
@@ -106,7 +99,7 @@ std::function<exit_status()> declare_neighbors(CLI::App& app)
     declare_output(app, options->shared);
     declare_json(app, options->shared);
     declare_quiet(app, options->shared);
-    app.add_option("--list", options->list, "write the neighbours of each element as CSV; - is standard output");
+    declare_table(app, options->shared, "--list", "write the neighbours of each element as CSV");
     return [options] {
         return for_each_file(options->shared, [&](const std::string& path) { return neighbors(path, *options); });
     };

@@ -131,13 +131,16 @@ exit_status quality(const std::string& path, const quality_options& options)
 std::function<exit_status()> declare_quality(CLI::App& app)
 {
     const auto options = std::make_shared<quality_options>();
-    declare_file(app, options->shared);
+    declare_files(app, options->shared);
+    declare_solution(app, options->shared);
     declare_output(app, options->shared);
     declare_json(app, options->shared);
     declare_quiet(app, options->shared);
     app.add_option("--range", options->range, "ends of the histogram, 0 1 unless given")->expected(2);
     app.add_option("--bins", options->bins, "bins of the histogram, 10 unless given")->check(CLI::Range(1, 1000));
     app.parse_complete_callback([options] {
+        require_one_file(options->shared, "--output", options->shared.output.has_value());
+        require_one_file(options->shared, "--sol", options->shared.solution.has_value());
         if (!(options->range[0] < options->range[1])) throw CLI::ValidationError("--range", "does not ascend");
     });
     return [options] {

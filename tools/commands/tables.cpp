@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "commands/files.h"
+#include "progress.h"
 
 namespace tool {
 
@@ -39,10 +40,9 @@ void save_some(const mesh& m, const shared_options& options)
 
 void tell(const shared_options& options, const std::string& text)
 {
-    if (options.output == "-")
-        std::fputs(text.c_str(), stderr);
-    else
-        print(text);
+    if (options.output != "-" && options.table != "-") return print(text);
+    progress::erase();
+    std::fputs(text.c_str(), stderr);
 }
 
 }  // namespace tool

@@ -30,7 +30,7 @@ std::uint64_t node_number(const mesh& m, std::uint64_t node);
 // Writes the mesh like `save`; one without any element is refused.
 void save_some(const mesh& m, const shared_options& options);
 
-// Where results and words go: standard output, or standard error when the mesh itself goes to standard output.
+// Where results and words go: standard output, or standard error when a mesh or table goes to standard output.
 void tell(const shared_options& options, const std::string& text);
 
 }  // namespace tool

@@ -21,7 +21,6 @@ namespace {
 struct weld_options {
     shared_options shared;
     std::string relative = "none";
-    std::optional<std::string> map;
     bool within_elements = false;
     bool across_parts = false;
 
@@ -53,9 +52,8 @@ double tolerance_of(const mesh& m, const weld_options& options)
 }
 
 // A line for each node that went: its number, that of the node that stands for it, their distance.
-void write_map(const weld_options& options, const mesh& before, const weld_result& result)
+void write_map(sink& to, const mesh& before, const weld_result& result)
 {
-    sink to(*options.map);
     to.text("old,new,distance\n");
     for (std::uint64_t j = 0; j < result.survivor.size(); ++j) {
         if (result.survivor[j] == j) continue;
@@ -66,7 +64,6 @@ void write_map(const weld_options& options, const mesh& before, const weld_resul
         to.real(result.distances[j]);
         to.put('\n');
     }
-    to.commit();
 }
 
 std::uint64_t collapsed_elements(const mesh& m)
@@ -114,11 +111,7 @@ exit_status weld(const std::string& path, const weld_options& options)
     numbers.node_numbers = m.node_numbers;
     const weld_result result = weld_nodes(m, tolerance_of(m, options), options.scope());
     if (options.shared.output) save(m, options.shared);
-    try {
-        if (options.map) write_map(options, numbers, result);
-    } catch (const std::exception&) {
-        throw failure_of(*options.map, std::current_exception());
-    }
+    save_table(options.shared, [&](sink& to) { write_map(to, numbers, result); });
     report(path, options, result, collapsed_elements(m) - collapsed_before);
     return exit_clean;
 }
@@ -138,11 +131,11 @@ std::function<exit_status()> declare_weld(CLI::App& app)
         ->check(CLI::IsMember({"none", "box", "edge"}));
     CLI::Option* within = app.add_flag("--within-elements", options->within_elements, "nodes of one element only");
     app.add_flag("--across-parts", options->across_parts, "nodes of different parts only")->excludes(within);
-    app.add_option("--map", options->map, "write which node became which, with distances, as CSV");
+    declare_table(app, options->shared, "--map", "write which node became which, with distances, as CSV");
     app.parse_complete_callback([options] {
-        const std::optional<double>& tolerance = options->shared.tolerance;
-        if (tolerance && !(*tolerance >= 0)) throw CLI::ValidationError("--tolerance", "is negative or no number");
-        if (!tolerance && options->relative != "none") throw CLI::ValidationError("--relative", "needs --tolerance");
+        require_distance(options->shared);
+        if (!options->shared.tolerance && options->relative != "none")
+            throw CLI::ValidationError("--relative", "needs --tolerance");
     });
     return [options] {
         return for_each_file(options->shared, [&](const std::string& path) { return weld(path, *options); });

@@ -133,9 +133,8 @@ private:
         if (rules_.of(fault::coincident_node) == severity::off) return;
 
         zeb::dense1D<unsigned int> survivors;
-        const double diagonal = result_.box.diagonal();  // no number for a box beyond all numbers
-        const double reach = std::isfinite(diagonal) ? diagonal : std::numeric_limits<double>::max();
-        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, rules_.coincident * reach), "merge");
+        checked(zeb::tessolv::merge(m_.pos, candidates, survivors, result_.box.share_of_diagonal(rules_.coincident)),
+                "merge");
         places merged;
         for (unsigned int j = 0; j < survivors.size; ++j)
             if (survivors[j] != j) merged.push_back(j);
@@ -212,6 +211,18 @@ private:
         }
         result_.shortest_edge = std::isfinite(shortest) ? shortest : 0;
         add(fault::short_edge, count, edges.cols, {});
+        if (rules_.of(fault::short_edge) != severity::off) count_lost_edges(lengths);
+    }
+
+    // What has no length at all is told as something else.
+    void count_lost_edges(const std::vector<double>& lengths)
+    {
+        for (const digits_of_writer& writer : writers_of_few_digits()) {
+            const double spacing = writer.spacing(result_.largest_coordinate);
+            const auto is_lost = [spacing](double length) { return length > 0 && length < spacing; };
+            const auto count = static_cast<std::uint64_t>(std::ranges::count_if(lengths, is_lost));
+            if (count != 0) result_.lost.push_back({&writer, spacing, count});
+        }
     }
 
     const mesh& m_;

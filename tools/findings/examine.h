@@ -8,6 +8,7 @@
 
 #include "findings/measures.h"
 #include "findings/rules.h"
+#include "formats/digits.h"
 #include "mesh/mesh.h"
 
 namespace tool {
@@ -39,6 +40,13 @@ struct kind_summary {
     std::array<std::uint64_t, bins> histogram{};  // of [0, 1]; what is inverted is not in it
 };
 
+// Edges shorter than what a writer keeps apart: their ends may become one place.
+struct lost_edges {
+    const digits_of_writer* writer;
+    double spacing;
+    std::uint64_t count;
+};
+
 // The verdict on one mesh.
 struct examination {
     std::uint64_t nodes = 0;
@@ -50,7 +58,8 @@ struct examination {
     std::uint64_t nonmanifold_faces = 0;
     finite_box box;
     double largest_coordinate = 0;
-    double shortest_edge = 0;  // of the edges that are not of length 0; 0 without one
+    double shortest_edge = 0;      // of the edges that are not of length 0; 0 without one
+    std::vector<lost_edges> lost;  // by the writers that would lose any, unless short edges are switched off
     std::vector<kind_summary> kinds;
     std::vector<found> faults;      // findings and notes, in the order of `fault`
     std::vector<double> qualities;  // by place of the element; NaN where it has none

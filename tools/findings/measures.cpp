@@ -156,6 +156,13 @@ double finite_box::diagonal() const
     return std::hypot(max[0] - min[0], max[1] - min[1], max[2] - min[2]);
 }
 
+double finite_box::share_of_diagonal(double share) const
+{
+    if (is_empty()) return 0;
+    const auto quarter = [this](std::size_t k) { return max[k] / 4 - min[k] / 4; };
+    return 4 * share * std::hypot(quarter(0), quarter(1), quarter(2));
+}
+
 void finite_box::enclose(const mesh& m, std::uint64_t node)
 {
     const vector p = point_of(m, static_cast<unsigned int>(node));

@@ -34,6 +34,8 @@ struct finite_box {
 
     bool is_empty() const { return min[0] > max[0]; }
     double diagonal() const;
+    // A share of the diagonal, also where that is beyond all numbers.
+    double share_of_diagonal(double share) const;
     // Grows to hold a node, if that has a finite place.
     void enclose(const mesh& m, std::uint64_t node);
 };

@@ -5,6 +5,7 @@
 
 #include "findings/face_list.h"
 #include "mesh/kinds.h"
+#include "words.h"
 
 namespace tool {
 
@@ -36,6 +37,14 @@ std::string words_of(const mesh& m, const found& f, std::size_t most)
         for (const std::uint64_t number : items.numbers) text += ' ' + std::to_string(number);
     }
     return text + (f.ids.size() > most ? " ..." : "");
+}
+
+std::string words_of(const lost_edges& lost)
+{
+    char spacing[32];
+    std::snprintf(spacing, sizeof spacing, "%.3g", lost.spacing);
+    return counted(lost.count, "edge", "edges") + " below " + spacing + ", which " + lost.writer->name + " (" +
+           lost.writer->words + ") does not keep apart";
 }
 
 std::string percent_of(const found& f)

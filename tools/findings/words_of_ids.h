@@ -20,6 +20,9 @@ std::vector<numbered_items> items_of(const mesh& m, const found& f, std::size_t 
 // "tetra 3 7, wedge 12"; with dots where there are more than `most`.
 std::string words_of(const mesh& m, const found& f, std::size_t most);
 
+// "3 edges below 1e-06, which the library's vtk (6 digits behind the point) does not keep apart".
+std::string words_of(const lost_edges& lost);
+
 // Percent of what was looked at, in two significant digits: "0.12".
 std::string percent_of(const found& f);
 

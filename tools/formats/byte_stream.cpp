@@ -1,8 +1,9 @@
 #include "formats/byte_stream.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <cstring>
+#include <new>
 #include <string_view>
 
 namespace tool {
@@ -57,8 +58,15 @@ void base64_bytes::read(char* to, std::uint64_t count)
     }
 }
 
-inflated_bytes::inflated_bytes(byte_stream& in, cursor& where, bool wide, bool reversed) : in_(in), where_(where)
+void inflated_bytes::free_decompressor::operator()(libdeflate_decompressor* d) const
 {
+    libdeflate_free_decompressor(d);
+}
+
+inflated_bytes::inflated_bytes(byte_stream& in, cursor& where, bool wide, bool reversed)
+    : in_(in), where_(where), decompressor_(libdeflate_alloc_decompressor())
+{
+    if (!decompressor_) throw std::bad_alloc();
     const scalar_type word = wide ? scalar_type::uint64 : scalar_type::uint32;
     decoded_numbers words(in, word, reversed);
     std::array<std::int64_t, 3> header;
@@ -86,11 +94,10 @@ void inflated_bytes::next_block()
     in_.read(packed_.data(), packed_.size());
     ++block_;
     plain_.resize(static_cast<std::size_t>(block_ == compressed_sizes_.size() ? last_size_ : block_size_));
-    uLongf size = plain_.size();
-    const int result = uncompress(reinterpret_cast<Bytef*>(plain_.data()), &size,
-                                  reinterpret_cast<const Bytef*>(packed_.data()), packed_.size());
-    if (result == Z_MEM_ERROR) throw std::bad_alloc();
-    if (result != Z_OK || size != plain_.size()) where_.fail("compressed data that cannot be read");
+    // Without a place for the number of bytes all of them must come.
+    if (libdeflate_zlib_decompress(decompressor_.get(), packed_.data(), packed_.size(), plain_.data(), plain_.size(),
+                                   nullptr) != LIBDEFLATE_SUCCESS)
+        where_.fail("compressed data that cannot be read");
     used_ = 0;
 }
 

@@ -3,10 +3,14 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "formats/cursor.h"
 #include "formats/number_stream.h"
+
+struct libdeflate_decompressor;
 
 namespace tool {
 
@@ -54,10 +58,15 @@ public:
     std::uint64_t most() const override { return total_; }
 
 private:
+    struct free_decompressor {
+        void operator()(libdeflate_decompressor* d) const;
+    };
+
     void next_block();
 
     byte_stream& in_;
     cursor& where_;
+    std::unique_ptr<libdeflate_decompressor, free_decompressor> decompressor_;
     std::vector<std::int64_t> compressed_sizes_;
     std::uint64_t block_size_ = 0;
     std::uint64_t last_size_ = 0;
@@ -74,11 +83,14 @@ public:
     decoded_numbers(byte_stream& in, scalar_type type, bool reversed) : in_(in), type_(type), reversed_(reversed) {}
     void read(double* to, std::uint64_t count) override { read_as(to, count); }
     void read(std::int64_t* to, std::uint64_t count) override { read_as(to, count); }
+    void read(unsigned int* to, std::uint64_t count) override { read_as(to, count); }
 
 private:
     template <class To>
     void read_as(To* to, std::uint64_t count)
     {
+        if (type_ == scalar_type::real64 && !reversed_ && std::is_floating_point_v<To>)
+            return in_.read(reinterpret_cast<char*>(to), count * sizeof(double));
         const std::uint64_t bytes = info_of(type_).bytes;
         std::array<char, 32768> block;
         for (std::uint64_t done = 0; done < count;) {

@@ -204,6 +204,7 @@ std::uint64_t cursor::count(const char* what)
 
 void cursor::raw(void* to, std::uint64_t n, const char* what)
 {
+    if (n == 0) return;  // of an empty section there is no place either
     if (n > left()) {
         at_ = limit_;
         offset_ = end_;

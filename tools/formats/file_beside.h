@@ -6,7 +6,7 @@
 namespace tool {
 
 // A file that grows beside its place and takes it when it is whole. What is not committed leaves nothing behind, after
-// a signal neither. One at a time. Failures are `unwritable`.
+// a signal neither. A device or pipe is written in its place. One at a time. Failures are `unwritable`.
 class file_beside {
 public:
     explicit file_beside(const std::string& path);
@@ -22,6 +22,7 @@ public:
 private:
     std::string path_;
     std::string name_;  // empty once it is committed
+    bool in_place_ = false;
 };
 
 }  // namespace tool

@@ -27,8 +27,7 @@ bool are_positive_and_distinct(const numbering& numbers)
 bool are_positive_and_distinct(const std::vector<writable_block>& blocks)
 {
     numbering all;
-    for (const writable_block& b : blocks)
-        for (std::uint64_t e = 0; e < b.size(); ++e) all.push_back(b.block->numbers[e]);
+    for (const writable_block& b : blocks) all.append(b.block->numbers);
     return are_positive_and_distinct(all);
 }
 
@@ -45,6 +44,10 @@ gmsh_output::gmsh_output(const mesh& m, sink& out, const write_options& options)
 void gmsh_output::coordinates_of(std::uint64_t node)
 {
     const coordinates& pos = content.pos;
+    if (binary && pos.rows == 3) {
+        std::memcpy(to.take(24), &pos(0, node), 24);
+        return;
+    }
     for (std::uint64_t i = 0; i < 3; ++i) real(i < pos.rows ? pos(i, node) : 0.0, i == 2 ? '\n' : ' ');
 }
 

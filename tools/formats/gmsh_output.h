@@ -1,12 +1,14 @@
 #ifndef TOOLS_FORMATS_GMSH_OUTPUT_H
 #define TOOLS_FORMATS_GMSH_OUTPUT_H
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "formats/capability.h"
 #include "formats/format.h"
-#include "formats/node_orders.h"
 
 namespace tool {
 
@@ -35,15 +37,32 @@ public:
         to.put(behind);
     }
     void coordinates_of(std::uint64_t node);
-    // The nodes of an element in the order and with the numbers of the file, through write(number, last).
+    // Elements in the order and with the numbers of the file, some hundreds at a time: calls
+    // write(first, numbers of their nodes, n).
     template <class Write>
-    void nodes_of(const writable_block& b, std::uint64_t e, Write write)
+    void for_each_part_of(const writable_block& b, Write write)
     {
-        const unsigned int size = zeb::NODES_PER_ELEMENT[b.type];
-        unsigned int nodes[27];
-        std::copy_n(b.nodes(e), size, nodes);
-        to_file_order(node_order::gmsh, b.type, nodes, 1);
-        for (unsigned int k = 0; k < size; ++k) write(node_number(nodes[k]), k + 1 == size);
+        std::array<std::uint64_t, 2048> numbers;
+        const std::uint64_t size = zeb::NODES_PER_ELEMENT[b.type];
+        for_each_part(b, node_order::gmsh, [&](std::uint64_t first, const unsigned int* nodes, std::uint64_t n) {
+            for (std::uint64_t i = 0; i < n * size; ++i) numbers[i] = node_number(nodes[i]);
+            write(first, static_cast<const std::uint64_t*>(numbers.data()), n);
+        });
+    }
+    // Numbers as bytes, each made by at(i).
+    template <class At>
+    void all_bytes(std::uint64_t count, At at)
+    {
+        using value = decltype(at(std::uint64_t{0}));
+        constexpr std::uint64_t most = sink::largest_take / sizeof(value);
+        for (std::uint64_t first = 0; first < count; first += most) {
+            const std::uint64_t n = std::min(most, count - first);
+            char* place = to.take(n * sizeof(value));
+            for (std::uint64_t i = 0; i < n; ++i, place += sizeof(value)) {
+                const value number = at(first + i);
+                std::memcpy(place, &number, sizeof number);
+            }
+        }
     }
 
     void header(const char* version);

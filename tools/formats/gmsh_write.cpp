@@ -1,6 +1,7 @@
 #include "formats/gmsh_write.h"
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <numeric>
 
@@ -112,64 +113,132 @@ void write_entities(gmsh_output& out, const entity_table& table)
     out.to.text("$EndEntities\n");
 }
 
-struct number_range {
-    std::uint64_t least = ~std::uint64_t{0};
-    std::uint64_t most = 0;
-
-    void add(std::uint64_t number)
-    {
-        least = std::min(least, number);
-        most = std::max(most, number);
+// Of the numbers that the blocks keep, or are given.
+std::pair<std::uint64_t, std::uint64_t> element_range(const gmsh_output& out)
+{
+    if (out.elements == 0 || !out.keeps_element_numbers) return {out.elements != 0, out.elements};
+    auto range = out.blocks.front().block->numbers.range();
+    for (const writable_block& b : out.blocks) {
+        const auto [least, greatest] = b.block->numbers.range();
+        range = {std::min(range.first, least), std::max(range.second, greatest)};
     }
-};
+    return range;
+}
 
-void write_counts(gmsh_output& out, std::uint64_t blocks, std::uint64_t items, const number_range& range)
+std::pair<std::uint64_t, std::uint64_t> node_range(const gmsh_output& out)
+{
+    const std::uint64_t nodes = out.content.pos.cols;
+    return out.keeps_node_numbers ? out.content.node_numbers.range() : std::pair{std::uint64_t{nodes != 0}, nodes};
+}
+
+void write_counts(gmsh_output& out, std::uint64_t blocks, std::uint64_t items,
+                  const std::pair<std::uint64_t, std::uint64_t>& range)
 {
     out.large(blocks, ' ');
     out.large(items, ' ');
-    out.large(items == 0 ? 0 : range.least, ' ');
-    out.large(range.most, '\n');
+    out.large(range.first, ' ');
+    out.large(range.second, '\n');
 }
 
 void write_nodes41(gmsh_output& out, const entity_table& table)
 {
     const std::uint64_t nodes = out.content.pos.cols;
-    number_range range;
-    for (std::uint64_t j = 0; j < nodes; ++j) range.add(out.node_number(j));
     const auto [dimension, tag] = table.of_nodes();
     out.to.text("$Nodes\n");
-    write_counts(out, 1, nodes, range);
+    write_counts(out, 1, nodes, node_range(out));
     out.integer(dimension, ' ');
     out.integer(tag, ' ');
     out.integer(0, ' ');
     out.large(nodes, '\n');
-    for (std::uint64_t j = 0; j < nodes; ++j) out.large(out.node_number(j), '\n');
+    if (out.binary) {
+        out.all_bytes(nodes, [&](std::uint64_t j) { return out.node_number(j); });
+    } else {
+        for (std::uint64_t j = 0; j < nodes; ++j) out.large(out.node_number(j), '\n');
+    }
     for (std::uint64_t j = 0; j < nodes; ++j) out.coordinates_of(j);
     out.end_bytes();
     out.to.text("$EndNodes\n");
 }
 
+// All elements of a block, in the order in which they stand there.
+void write_whole_block41(gmsh_output& out, const writable_block& b)
+{
+    const std::uint64_t size = zeb::NODES_PER_ELEMENT[b.type];
+    out.for_each_part_of(b, [&](std::uint64_t first, const std::uint64_t* nodes, std::uint64_t n) {
+        if (out.binary) {
+            char* place = out.to.take(n * (1 + size) * sizeof(std::uint64_t));
+            for (std::uint64_t e = 0; e < n; ++e, nodes += size) {
+                const std::uint64_t number = out.element_number(b, first + e);
+                std::memcpy(place, &number, sizeof number);
+                std::copy_n(reinterpret_cast<const char*>(nodes), size * sizeof number, place + sizeof number);
+                place += (1 + size) * sizeof number;
+            }
+            return;
+        }
+        for (std::uint64_t e = 0; e < n; ++e) {
+            out.large(out.element_number(b, first + e), ' ');
+            for (std::uint64_t k = 1; k <= size; ++k) out.large(*nodes++, k == size ? '\n' : ' ');
+        }
+    });
+}
+
+void write_some_of_block41(gmsh_output& out, const group_run& run)
+{
+    const writable_block& b = *run.block;
+    const unsigned int size = zeb::NODES_PER_ELEMENT[b.type];
+    unsigned int nodes[27];
+    for (const std::uint32_t e : run.elements) {
+        std::copy_n(b.nodes(e), size, nodes);
+        to_file_order(node_order::gmsh, b.type, nodes, 1);
+        out.large(out.element_number(b, e), ' ');
+        for (unsigned int k = 0; k < size; ++k) out.large(out.node_number(nodes[k]), k + 1 == size ? '\n' : ' ');
+    }
+}
+
 void write_elements41(gmsh_output& out, const entity_table& table, const std::vector<group_run>& runs)
 {
-    number_range range;
-    for (const writable_block& b : out.blocks)
-        for (std::uint64_t e = 0; e < b.size(); ++e) range.add(out.element_number(b, e));
     out.to.text("$Elements\n");
-    write_counts(out, runs.size(), out.elements, range);
+    write_counts(out, runs.size(), out.elements, element_range(out));
     for (const group_run& run : runs) {
         const int dimension = info_of(run.block->type).dimension;
         out.integer(dimension, ' ');
         out.integer(table.tag(dimension, run.group), ' ');
         out.integer(gmsh_code_of(run.block->type), ' ');
         out.large(run.size(), '\n');
-        for (std::uint64_t i = 0; i < run.size(); ++i) {
-            out.large(out.element_number(*run.block, run.element(i)), ' ');
-            out.nodes_of(*run.block, run.element(i),
-                         [&](std::uint64_t n, bool last) { out.large(n, last ? '\n' : ' '); });
-        }
+        run.elements.empty() ? write_whole_block41(out, *run.block) : write_some_of_block41(out, run);
     }
     out.end_bytes();
     out.to.text("$EndElements\n");
+}
+
+void write_block22(gmsh_output& out, const writable_block& b)
+{
+    const std::uint64_t size = zeb::NODES_PER_ELEMENT[b.type];
+    const std::string kind = std::to_string(gmsh_code_of(b.type)) + " 2 ";
+    out.for_each_part_of(b, [&](std::uint64_t first, const std::uint64_t* nodes, std::uint64_t n) {
+        if (out.binary) {
+            // The number, the group as its physical and as its geometric one, the nodes.
+            char* place = out.to.take(n * (3 + size) * sizeof(std::int32_t));
+            const auto put = [&](std::int32_t value) {
+                std::memcpy(place, &value, sizeof value);
+                place += sizeof value;
+            };
+            for (std::uint64_t e = 0; e < n; ++e) {
+                put(static_cast<std::int32_t>(out.element_number(b, first + e)));
+                put(b.block->group(first + e));
+                put(b.block->group(first + e));
+                for (std::uint64_t k = 0; k < size; ++k) put(static_cast<std::int32_t>(*nodes++));
+            }
+            return;
+        }
+        for (std::uint64_t e = 0; e < n; ++e) {
+            out.large(out.element_number(b, first + e), ' ');
+            out.to.text(kind);
+            out.integer(b.block->group(first + e), ' ');
+            out.integer(b.block->group(first + e), ' ');
+            for (std::uint64_t k = 1; k <= size; ++k) out.large(*nodes++, k == size ? '\n' : ' ');
+        }
+    });
 }
 
 void write_elements22(gmsh_output& out)
@@ -177,20 +246,12 @@ void write_elements22(gmsh_output& out)
     out.to.text("$Elements\n");
     out.line(out.elements);
     for (const writable_block& b : out.blocks) {
-        const int code = gmsh_code_of(b.type);
-        if (out.binary)
-            for (const std::int64_t number : {std::int64_t{code}, static_cast<std::int64_t>(b.size()), std::int64_t{2}})
-                out.integer(number, ' ');
-        for (std::uint64_t e = 0; e < b.size(); ++e) {
-            out.integer(static_cast<std::int64_t>(out.element_number(b, e)), ' ');
-            if (!out.binary) out.to.text(std::to_string(code) + " 2 ");
-            const std::int32_t group = b.block->group(e);
-            out.integer(group, ' ');
-            out.integer(group, ' ');
-            out.nodes_of(b, e, [&](std::uint64_t n, bool last) {
-                out.integer(static_cast<std::int64_t>(n), last ? '\n' : ' ');
-            });
+        if (out.binary) {
+            out.integer(gmsh_code_of(b.type), ' ');
+            out.integer(static_cast<std::int64_t>(b.size()), ' ');
+            out.integer(2, ' ');
         }
+        write_block22(out, b);
     }
     out.end_bytes();
     out.to.text("$EndElements\n");

@@ -6,7 +6,6 @@
 #include "errors.h"
 #include "formats/capability.h"
 #include "formats/medit_sections.h"
-#include "formats/node_orders.h"
 #include "words.h"
 
 namespace tool {
@@ -51,19 +50,20 @@ void write_nodes(const mesh& m, sink& to)
 void write_block(const writable_block& b, sink& to)
 {
     const unsigned int size = zeb::NODES_PER_ELEMENT[b.type];
-    unsigned int nodes[27];
+    // Wedges are as in the library, what else is turned is as in VTK.
+    const node_order convention = b.type == zeb::EL_WEDGE6 ? node_order::library : node_order::vtk;
     to.put('\n');
     line(to, std::string(medit_section_of(b.type)->keyword).c_str(), b.size());
-    for (std::uint64_t e = 0; e < b.size(); ++e) {
-        std::copy_n(b.nodes(e), size, nodes);
-        if (b.type != zeb::EL_WEDGE6) to_file_order(node_order::vtk, b.type, nodes, 1);
-        for (unsigned int k = 0; k < size; ++k) {
-            to.integer(std::uint64_t{nodes[k]} + 1);
-            to.put(' ');
+    for_each_part(b, convention, [&](std::uint64_t first, const unsigned int* nodes, std::uint64_t n) {
+        for (std::uint64_t e = first; e < first + n; ++e) {
+            for (unsigned int k = 0; k < size; ++k) {
+                to.integer(std::uint64_t{*nodes++} + 1);
+                to.put(' ');
+            }
+            to.integer(b.block->group(e));
+            to.put('\n');
         }
-        to.integer(b.block->group(e));
-        to.put('\n');
-    }
+    });
 }
 
 // 1 a number, 2 a vector, 3 a symmetric tensor; 0 for what is none of these.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace tool {
@@ -36,6 +37,12 @@ const std::vector<row> rows{
                                    18, 19, 12, 15, 13, 14, 24, 22, 20, 21, 23, 25, 26}},
 };
 
+// Of kinds of four nodes tetrahedra alone have another order: their second and third node are exchanged.
+void turn_tetrahedra(unsigned int* columns, std::uint64_t count)
+{
+    for (unsigned int* const end = columns + 4 * count; columns != end; columns += 4) std::swap(columns[1], columns[2]);
+}
+
 }  // namespace
 
 std::span<const std::uint8_t> order_of(node_order convention, element_type type)
@@ -48,6 +55,7 @@ std::span<const std::uint8_t> order_of(node_order convention, element_type type)
 void to_library_order(node_order convention, element_type type, unsigned int* columns, std::uint64_t count)
 {
     const std::span<const std::uint8_t> order = order_of(convention, type);
+    if (order.size() == 4) return turn_tetrahedra(columns, count);
     std::array<unsigned int, 27> file{};
     for (std::uint64_t e = 0; !order.empty() && e < count; ++e, columns += order.size()) {
         std::copy_n(columns, order.size(), file.begin());
@@ -58,6 +66,7 @@ void to_library_order(node_order convention, element_type type, unsigned int* co
 void to_file_order(node_order convention, element_type type, unsigned int* columns, std::uint64_t count)
 {
     const std::span<const std::uint8_t> order = order_of(convention, type);
+    if (order.size() == 4) return turn_tetrahedra(columns, count);
     std::array<unsigned int, 27> library{};
     for (std::uint64_t e = 0; !order.empty() && e < count; ++e, columns += order.size()) {
         std::copy_n(columns, order.size(), library.begin());

@@ -11,12 +11,21 @@
 
 namespace tool {
 
+// A node number of a file that counts from `base`; what no mesh can hold names no node.
+inline unsigned int node_index(std::int64_t number, std::int64_t base)
+{
+    const std::int64_t index = number - base;
+    return number < base || index >= std::int64_t{zeb::NONE_INDEX} ? zeb::NONE_INDEX : static_cast<unsigned int>(index);
+}
+
 // Numbers one after the other, however they are encoded. What runs out or is no number is `unreadable`.
 class number_stream {
 public:
     virtual ~number_stream() = default;
     virtual void read(double* to, std::uint64_t count) = 0;
     virtual void read(std::int64_t* to, std::uint64_t count) = 0;
+    // Nodes by numbers that count from 0.
+    virtual void read(unsigned int* to, std::uint64_t count) = 0;
 
     // Calls visit(pointer, count) for `total` integers, some thousands at a time.
     template <class Visit>
@@ -41,6 +50,10 @@ public:
     {
         for (std::uint64_t i = 0; i < count; ++i) to[i] = in_.integer(what_);
     }
+    void read(unsigned int* to, std::uint64_t count) override
+    {
+        for (std::uint64_t i = 0; i < count; ++i) to[i] = node_index(in_.integer(what_), 0);
+    }
 
 private:
     cursor& in_;
@@ -56,6 +69,7 @@ public:
     }
     void read(double* to, std::uint64_t count) override { read_as(to, count); }
     void read(std::int64_t* to, std::uint64_t count) override { read_as(to, count); }
+    void read(unsigned int* to, std::uint64_t count) override { read_as(to, count); }
 
 private:
     template <class To>
@@ -79,13 +93,6 @@ private:
     bool reversed_;
     const char* what_;
 };
-
-// A node number of a file that counts from `base`; what no mesh can hold names no node.
-inline unsigned int node_index(std::int64_t number, std::int64_t base)
-{
-    const std::int64_t index = number - base;
-    return number < base || index >= std::int64_t{zeb::NONE_INDEX} ? zeb::NONE_INDEX : static_cast<unsigned int>(index);
-}
 
 }  // namespace tool
 

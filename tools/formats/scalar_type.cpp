@@ -57,7 +57,10 @@ Stored load(const char* bytes, bool reversed)
 template <class To, class Stored>
 To converted(Stored value)
 {
-    if constexpr (std::is_floating_point_v<Stored> && std::is_integral_v<To>) {
+    if constexpr (std::is_same_v<To, unsigned int>) {
+        const auto index = converted<std::int64_t>(value);
+        return index < 0 || index >= std::int64_t{zeb::NONE_INDEX} ? zeb::NONE_INDEX : static_cast<unsigned int>(index);
+    } else if constexpr (std::is_floating_point_v<Stored> && std::is_integral_v<To>) {
         constexpr double limit = 9.2e18;
         if (std::isnan(value)) return std::numeric_limits<To>::max();
         return static_cast<To>(std::clamp(static_cast<double>(value), -limit, limit));
@@ -135,6 +138,11 @@ void decode(scalar_type type, bool reversed, const char* bytes, double* to, std:
 }
 
 void decode(scalar_type type, bool reversed, const char* bytes, std::int64_t* to, std::uint64_t count)
+{
+    decode_as(type, reversed, bytes, to, count);
+}
+
+void decode(scalar_type type, bool reversed, const char* bytes, unsigned int* to, std::uint64_t count)
 {
     decode_as(type, reversed, bytes, to, count);
 }

@@ -28,6 +28,8 @@ const scalar_info& info_of(scalar_type type);
 // that no integer is, become the nearest one.
 void decode(scalar_type type, bool reversed, const char* bytes, double* to, std::uint64_t count);
 void decode(scalar_type type, bool reversed, const char* bytes, std::int64_t* to, std::uint64_t count);
+// Node numbers that count from 0; what no mesh can hold becomes NONE_INDEX.
+void decode(scalar_type type, bool reversed, const char* bytes, unsigned int* to, std::uint64_t count);
 
 }  // namespace tool
 

@@ -56,11 +56,21 @@ public:
         at_ += sizeof value;
     }
 
+    // Place for so many bytes of the output, at most `largest_take` at a time, to be filled at once.
+    char* take(std::size_t bytes)
+    {
+        make_room(bytes);
+        char* place = at_;
+        at_ += bytes;
+        return place;
+    }
+    static constexpr std::size_t largest_take = std::size_t{1} << 18;
+
     // Writes what is left and puts the file into its place.
     void commit();
 
 private:
-    static constexpr std::size_t block_size = std::size_t{1} << 18;
+    static constexpr std::size_t block_size = largest_take;
     static constexpr std::size_t number_room = 40;
 
     void make_room(std::size_t bytes)

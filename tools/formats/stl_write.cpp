@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <map>
 
@@ -170,17 +171,25 @@ private:
         to_.text("\n endloop\nendfacet\n");
     }
 
+    // Normal, corners, and two bytes without a meaning.
     void binary_facet(const point* p)
     {
+        char* at = to_.take(50);
+        put(at, normal_of(p));
+        for (int k = 0; k < 3; ++k) put(at, p[k]);
+        std::memset(at, 0, 2);
+    }
+
+    static void put(char*& at, const point& p)
+    {
         constexpr double most = std::numeric_limits<float>::max();
-        for (const double x : normal_of(p)) little_endian(std::bit_cast<std::uint32_t>(static_cast<float>(x)));
-        for (int k = 0; k < 3; ++k) {
-            for (const double x : p[k]) {
-                if (std::fabs(x) > most) throw unwritable("a coordinate is beyond the 32 bits of a binary STL file");
-                little_endian(std::bit_cast<std::uint32_t>(static_cast<float>(x)));
-            }
+        for (const double x : p) {
+            if (std::fabs(x) > most) throw unwritable("a coordinate is beyond the 32 bits of a binary STL file");
+            auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(x));
+            if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap32(bits);
+            std::memcpy(at, &bits, sizeof bits);
+            at += sizeof bits;
         }
-        to_.raw("\0", 2);
     }
 
     void little_endian(std::uint32_t value)

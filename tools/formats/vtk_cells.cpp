@@ -80,24 +80,18 @@ element_type rejoined_type(element_type corners, unsigned int further)
 
 class assembler {
 public:
-    assembler(const vtk_cells& cells, vtk_dialect dialect) : cells_(cells), dialect_(dialect) {}
+    assembler(vtk_cells& cells, vtk_dialect dialect)
+        : cells_(cells), dialect_(dialect), nodes_(cells.nodes.size() != 0 ? cells.nodes.column(0) : nullptr)
+    {
+    }
 
     void run(mesh& result)
     {
-        reserve();
-        const unsigned int* nodes = cells_.nodes.data();
-        for (cell_ = 0; cell_ < cells_.sizes.size(); nodes += cells_.sizes[cell_], ++cell_) {
-            const unsigned int size = cells_.sizes[cell_];
-            const element_type type = types_by_code()[cells_.types[cell_]];
-            if (dialect_ == vtk_dialect::library && take_rejoined(type, nodes, size)) {
-                nodes += size;
-                ++cell_;
-            } else if (type != EL_NONE) {
-                require(size == NODES_PER_ELEMENT[type], size);
-                std::copy_n(nodes, size, builder_.add(type, 0, cell_));
-            } else {
-                take_other(cells_.types[cell_], nodes, size);
-            }
+        if (const element_type type = common_type(); type != EL_NONE) {
+            builder_.adopt(type, 0, cells_.nodes.take());
+        } else {
+            reserve();
+            take_all();
         }
         result.blocks = builder_.take();
         for (element_block& block : result.blocks) reorder(block);
@@ -105,6 +99,35 @@ public:
     }
 
 private:
+    // The type of all cells, where the list of their nodes can be taken as it is.
+    element_type common_type() const
+    {
+        if (cells_.types.empty() || dialect_ == vtk_dialect::library) return EL_NONE;
+        const element_type type = types_by_code()[cells_.types[0]];
+        const std::uint8_t code = cells_.types[0];
+        const unsigned int size = NODES_PER_ELEMENT[type];
+        const bool common = std::ranges::all_of(cells_.types, [=](std::uint8_t t) { return t == code; }) &&
+                            std::ranges::all_of(cells_.sizes, [=](unsigned int s) { return s == size; });
+        return common ? type : EL_NONE;
+    }
+
+    void take_all()
+    {
+        const std::uint64_t cells = cells_.sizes.size();
+        for (cell_ = 0; cell_ < cells; ++cell_) {
+            const unsigned int size = cells_.sizes[cell_];
+            const element_type type = types_by_code()[cells_.types[cell_]];
+            if (type == EL_NONE) {
+                take_other(cells_.types[cell_], nodes_, size);
+                nodes_ += size;
+            } else if (dialect_ != vtk_dialect::library) {
+                take_run(type);
+            } else if (!take_rejoined(type, size)) {
+                take_one(type, size);
+            }
+        }
+    }
+
     void reserve()
     {
         std::array<std::uint64_t, 256> count{};
@@ -120,12 +143,36 @@ private:
                          counted(size, "node", "nodes"));
     }
 
-    bool take_rejoined(element_type type, const unsigned int* nodes, unsigned int size)
+    void take_one(element_type type, unsigned int size)
     {
-        if (type == EL_NONE || cell_ + 1 == cells_.sizes.size() || cells_.types[cell_ + 1] != poly_vertex) return false;
-        const element_type whole = rejoined_type(type, cells_.sizes[cell_ + 1]);
-        if (whole == EL_NONE) return false;
-        std::copy_n(nodes, size + cells_.sizes[cell_ + 1], builder_.add(whole, 0, cell_));
+        require(size == NODES_PER_ELEMENT[type], size);
+        std::copy_n(nodes_, size, builder_.add(type, 0, cell_));
+        nodes_ += size;
+    }
+
+    // The present cell and those of its type that follow it.
+    void take_run(element_type type)
+    {
+        const std::uint8_t code = cells_.types[cell_];
+        const std::uint64_t first = cell_;
+        const std::uint64_t cells = cells_.sizes.size();
+        for (; cell_ < cells && cells_.types[cell_] == code; ++cell_)
+            require(cells_.sizes[cell_] == NODES_PER_ELEMENT[type], cells_.sizes[cell_]);
+        const std::uint64_t count = cell_-- - first;
+        const std::uint64_t numbers = count * NODES_PER_ELEMENT[type];
+        std::copy_n(nodes_, numbers, builder_.add_without_group(type, first, count));
+        nodes_ += numbers;
+    }
+
+    bool take_rejoined(element_type type, unsigned int size)
+    {
+        if (cell_ + 1 == cells_.sizes.size() || cells_.types[cell_ + 1] != poly_vertex) return false;
+        const unsigned int further = cells_.sizes[cell_ + 1];
+        const element_type whole = rejoined_type(type, further);
+        if (whole == EL_NONE || size != NODES_PER_ELEMENT[type]) return false;
+        std::copy_n(nodes_, size + further, builder_.add(whole, 0, cell_));
+        nodes_ += size + further;
+        ++cell_;
         return true;
     }
 
@@ -196,9 +243,10 @@ private:
         if (strips_ != 0) result.notes.push_back(counted(strips_, "strip", "strips") + " cut into triangles");
     }
 
-    const vtk_cells& cells_;
+    vtk_cells& cells_;
     vtk_dialect dialect_;
     mesh_builder builder_;
+    const unsigned int* nodes_;  // of the present cell
     std::uint64_t cell_ = 0;
     std::uint64_t polygons_ = 0;
     std::uint64_t strips_ = 0;
@@ -224,9 +272,7 @@ void vtk_cells::read_list(number_stream& in, std::uint64_t cells, std::uint64_t 
     if (cells > numbers)
         where.fail(std::to_string(cells) + " cells in a list of " + std::to_string(numbers) + " numbers");
     sizes.reserve(sizes.size() + cells);
-    const std::size_t first = nodes.size();
-    nodes.resize(first + (numbers - cells));
-    unsigned int* to = nodes.data() + first;
+    unsigned int* to = nodes.append(numbers - cells);
     std::uint64_t room = numbers - cells;
     const std::uint64_t wanted = sizes.size() + cells;
     std::uint64_t missing = 0;  // nodes of the present cell
@@ -267,15 +313,10 @@ void vtk_cells::read_offsets(number_stream& in, std::uint64_t count, bool leadin
 
 void vtk_cells::read_nodes(number_stream& in, std::uint64_t count)
 {
-    const std::size_t first = nodes.size();
-    nodes.resize(first + count);
-    unsigned int* to = nodes.data() + first;
-    in.for_each_block(count, [&](const std::int64_t* block, std::uint64_t n) {
-        for (std::uint64_t i = 0; i < n; ++i) *to++ = node_index(block[i], 0);
-    });
+    in.read(nodes.append(count), count);
 }
 
-void assemble(const vtk_cells& cells, vtk_dialect dialect, mesh& result)
+void assemble(vtk_cells&& cells, vtk_dialect dialect, mesh& result)
 {
     std::uint64_t nodes = 0;
     for (const unsigned int size : cells.sizes) nodes += size;

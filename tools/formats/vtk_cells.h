@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "formats/number_stream.h"
+#include "mesh/builder.h"
 #include "mesh/mesh.h"
 
 namespace tool {
@@ -19,9 +20,9 @@ enum class vtk_dialect { standard, library, gmsh };
 
 // The cells of a VTK file as they stand there, legacy or XML.
 struct vtk_cells {
-    std::vector<unsigned int> nodes;  // of all cells
-    std::vector<unsigned int> sizes;  // number of nodes of each cell
-    std::vector<std::uint8_t> types;  // codes
+    growing_matrix<unsigned int> nodes{1};  // of all cells
+    std::vector<unsigned int> sizes;        // number of nodes of each cell
+    std::vector<std::uint8_t> types;        // codes
 
     // `count` numbers: the size and the nodes of every cell.
     void read_list(number_stream& in, std::uint64_t cells, std::uint64_t numbers, const cursor& where);
@@ -30,9 +31,9 @@ struct vtk_cells {
     void read_nodes(number_stream& in, std::uint64_t count);
 };
 
-// Makes the blocks of a mesh: polygons, strips and the like are cut and told. Element numbers count from 0, as in VTK.
+// Makes the blocks of a mesh and uses the cells up: polygons, strips and the like are cut and told. Element numbers count from 0, as in VTK.
 // Throws `unreadable` for cells of a type that a mesh cannot hold, or of a wrong size.
-void assemble(const vtk_cells& cells, vtk_dialect dialect, mesh& result);
+void assemble(vtk_cells&& cells, vtk_dialect dialect, mesh& result);
 
 // Takes the cell field that holds the groups out of the fields, if there is one.
 void take_groups(mesh& result);

@@ -1,9 +1,10 @@
 #include "formats/vtk_write.h"
 
+#include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "formats/capability.h"
-#include "formats/node_orders.h"
 #include "formats/vtk_cells.h"
 #include "mesh/kinds.h"
 
@@ -83,6 +84,26 @@ private:
         to_.put(behind);
     }
 
+    template <class Value>
+    static void put_number(char*& to, Value value)
+    {
+        value = big_endian(value);
+        std::memcpy(to, &value, sizeof value);
+        to += sizeof value;
+    }
+
+    // Items of so many bytes each: put(item, place) fills the place of one.
+    template <class Put>
+    void numbers(std::uint64_t items, std::uint64_t bytes, Put put)
+    {
+        const std::uint64_t most = sink::largest_take / bytes;
+        for (std::uint64_t first = 0; first < items; first += most) {
+            const std::uint64_t n = std::min(most, items - first);
+            char* to = to_.take(n * bytes);
+            for (std::uint64_t i = 0; i < n; ++i, to += bytes) put(first + i, to);
+        }
+    }
+
     void line(const char* word, std::uint64_t count, const char* behind = "\n")
     {
         to_.text(word);
@@ -96,6 +117,12 @@ private:
     {
         const coordinates& pos = mesh_.pos;
         line("POINTS ", pos.cols, " double\n");
+        if (binary_ && pos.rows == 3) {
+            numbers(pos.cols, 24, [&](std::uint64_t j, char* to) {
+                for (std::uint64_t i = 0; i < 3; ++i) put_number(to, pos(i, j));
+            });
+            return end_section();
+        }
         for (std::uint64_t j = 0; j < pos.cols; ++j)
             for (std::uint64_t i = 0; i < 3; ++i) number(i < pos.rows ? pos(i, j) : 0.0, i == 2 ? '\n' : ' ');
         end_section();
@@ -113,22 +140,37 @@ private:
         for (const writable_block& b : blocks_) write_block(b);
         end_section();
         line("CELL_TYPES ", cells_);
-        for (const writable_block& b : blocks_)
-            for (std::uint64_t e = 0; e < b.size(); ++e) number(static_cast<std::int32_t>(vtk_code_of(b.type)), '\n');
+        for (const writable_block& b : blocks_) write_types(b);
         end_section();
     }
 
     void write_block(const writable_block& b)
     {
-        const unsigned int size = zeb::NODES_PER_ELEMENT[b.type];
-        unsigned int nodes[27];
-        for (std::uint64_t e = 0; e < b.size(); ++e) {
-            std::copy_n(b.nodes(e), size, nodes);
-            to_file_order(node_order::vtk, b.type, nodes, 1);
-            number(static_cast<std::int32_t>(size), ' ');
-            for (unsigned int k = 0; k < size; ++k)
-                number(static_cast<std::int32_t>(nodes[k]), k + 1 == size ? '\n' : ' ');
+        const auto size = static_cast<std::int32_t>(zeb::NODES_PER_ELEMENT[b.type]);
+        for_each_part(b, node_order::vtk, [&](std::uint64_t, const unsigned int* nodes, std::uint64_t n) {
+            if (binary_) return put_elements(nodes, n, size);
+            for (const unsigned int* end = nodes + n * static_cast<unsigned int>(size); nodes != end;) {
+                number(size, ' ');
+                for (std::int32_t k = 1; k <= size; ++k)
+                    number(static_cast<std::int32_t>(*nodes++), k == size ? '\n' : ' ');
+            }
+        });
+    }
+
+    void put_elements(const unsigned int* nodes, std::uint64_t n, std::int32_t size)
+    {
+        char* to = to_.take(n * (static_cast<std::uint64_t>(size) + 1) * sizeof size);
+        for (std::uint64_t e = 0; e < n; ++e) {
+            put_number(to, size);
+            for (std::int32_t k = 0; k < size; ++k) put_number(to, *nodes++);
         }
+    }
+
+    void write_types(const writable_block& b)
+    {
+        const auto code = static_cast<std::int32_t>(vtk_code_of(b.type));
+        if (binary_) return numbers(b.size(), sizeof code, [&](std::uint64_t, char* to) { put_number(to, code); });
+        for (std::uint64_t e = 0; e < b.size(); ++e) number(code, '\n');
     }
 
     void write_cell_data()

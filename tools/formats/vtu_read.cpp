@@ -29,7 +29,7 @@ public:
         for (const pugi::xml_node piece : grid.children("Piece")) take_piece(piece);
         result_.pos = points_.take();
         result_.node_numbers = numbering(0, result_.pos.cols);
-        assemble(cells_, vtk_dialect::standard, result_);
+        assemble(std::move(cells_), vtk_dialect::standard, result_);
         for (field& f : result_.cell_fields) f.values = gathered(result_.blocks, f.values, f.components, 0);
         take_groups(result_);
         return std::move(result_);
@@ -90,8 +90,10 @@ private:
         for (std::size_t c = first_cell; c < cells_.sizes.size(); ++c) nodes += cells_.sizes[c];
         read_array(array("connectivity"), "the nodes of cells", nodes, 1,
                    [&](number_stream& in) { cells_.read_nodes(in, nodes); });
-        for (std::size_t i = first_node; first_point != 0 && i < cells_.nodes.size(); ++i)
-            cells_.nodes[i] = node_index(static_cast<std::int64_t>(cells_.nodes[i] + first_point), 0);
+        for (std::size_t i = first_node; first_point != 0 && i < cells_.nodes.size(); ++i) {
+            unsigned int& index = *cells_.nodes.column(i);
+            index = node_index(static_cast<std::int64_t>(index + first_point), 0);
+        }
         read_array(array("types"), "the types of cells", cells, 1, [&](number_stream& in) {
             in.for_each_block(cells, [&](const std::int64_t* block, std::uint64_t n) {
                 for (std::uint64_t i = 0; i < n; ++i)

@@ -1,14 +1,14 @@
 #include "formats/vtu_write.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <memory>
 
 #include "errors.h"
 #include "formats/capability.h"
-#include "formats/node_orders.h"
 #include "formats/scalar_type.h"
 #include "formats/vtk_cells.h"
 
@@ -75,7 +75,7 @@ private:
 // Numbers of an array as blocks packed by zlib, behind a header with their sizes.
 class packed_array {
 public:
-    packed_array() : block_(block_size) {}
+    explicit packed_array(libdeflate_compressor* compressor) : compressor_(compressor), block_(block_size) {}
 
     template <class Value>
     void add(Value value)
@@ -107,18 +107,16 @@ private:
 
     void pack()
     {
-        constexpr int quick = 1;
-        uLongf size = compressBound(used_);
         const std::size_t before = packed_.size();
-        packed_.resize(before + size);
-        if (compress2(reinterpret_cast<Bytef*>(packed_.data() + before), &size,
-                      reinterpret_cast<const Bytef*>(block_.data()), used_, quick) != Z_OK)
-            throw std::bad_alloc();
+        packed_.resize(before + libdeflate_zlib_compress_bound(compressor_, used_));
+        const std::size_t size = libdeflate_zlib_compress(compressor_, block_.data(), used_, packed_.data() + before,
+                                                          packed_.size() - before);
         packed_.resize(before + size);
         sizes_.push_back(size);
         used_ = 0;
     }
 
+    libdeflate_compressor* compressor_;
     std::vector<char> block_;
     std::size_t used_ = 0;
     std::size_t last_ = 0;
@@ -127,11 +125,18 @@ private:
 };
 
 class vtu_writer {
+    static constexpr int quick = 3;
+
 public:
     vtu_writer(const mesh& m, sink& to, const write_options& options)
-        : mesh_(m), to_(to), ascii_(options.ascii), blocks_(writable_blocks(m, "VTU", vtu_holds, options))
+        : mesh_(m),
+          to_(to),
+          ascii_(options.ascii),
+          blocks_(writable_blocks(m, "VTU", vtu_holds, options)),
+          compressor_(libdeflate_alloc_compressor(quick), libdeflate_free_compressor)
     {
         note_group_names(m, "VTU", options);
+        if (!compressor_) throw std::bad_alloc();
         if (!blocks_.empty()) cells_ = blocks_.back().first + blocks_.back().size();
     }
 
@@ -164,7 +169,7 @@ private:
             fill(out);
             to_.text("\n</DataArray>\n");
         } else {
-            packed_array out;
+            packed_array out(compressor_.get());
             fill(out);
             out.finish();
             to_.text(" format=\"appended\" offset=\"" + std::to_string(offset_) + "\"/>\n");
@@ -186,30 +191,35 @@ private:
 
     void write_cells()
     {
-        const bool small = mesh_.pos.cols <= std::uint64_t{std::numeric_limits<std::int32_t>::max()};
         to_.text("<Cells>\n");
-        array("connectivity", small ? scalar_type::int32 : scalar_type::int64, 1, [&](auto& out) {
-            for (const writable_block& b : blocks_) {
-                const unsigned int size = zeb::NODES_PER_ELEMENT[b.type];
-                unsigned int nodes[27];
-                for (std::uint64_t e = 0; e < b.size(); ++e) {
-                    std::copy_n(b.nodes(e), size, nodes);
-                    to_file_order(node_order::vtk, b.type, nodes, 1);
-                    for (unsigned int k = 0; k < size; ++k)
-                        small ? out.add(static_cast<std::int32_t>(nodes[k])) : out.add(std::int64_t{nodes[k]});
-                }
-            }
-        });
-        array("offsets", scalar_type::int64, 1, [&](auto& out) {
-            std::int64_t end = 0;
-            for (const writable_block& b : blocks_)
-                for (std::uint64_t e = 0; e < b.size(); ++e) out.add(end += zeb::NODES_PER_ELEMENT[b.type]);
-        });
+        std::uint64_t numbers = mesh_.pos.cols;
+        for (const writable_block& b : blocks_) numbers += b.size() * zeb::NODES_PER_ELEMENT[b.type];
+        numbers <= std::uint64_t{std::numeric_limits<std::int32_t>::max()} ? write_nodes_of_cells<std::int32_t>()
+                                                                           : write_nodes_of_cells<std::int64_t>();
         array("types", scalar_type::uint8, 1, [&](auto& out) {
             for (const writable_block& b : blocks_)
                 for (std::uint64_t e = 0; e < b.size(); ++e) out.add(static_cast<std::uint8_t>(vtk_code_of(b.type)));
         });
         to_.text("</Cells>\n");
+    }
+
+    template <class Integer>
+    void write_nodes_of_cells()
+    {
+        constexpr scalar_type type = sizeof(Integer) == 4 ? scalar_type::int32 : scalar_type::int64;
+        array("connectivity", type, 1, [&](auto& out) {
+            for (const writable_block& b : blocks_)
+                for_each_part(b, node_order::vtk, [&](std::uint64_t, const unsigned int* nodes, std::uint64_t n) {
+                    const unsigned int* end = nodes + n * zeb::NODES_PER_ELEMENT[b.type];
+                    for (; nodes != end; ++nodes) out.add(static_cast<Integer>(*nodes));
+                });
+        });
+        array("offsets", type, 1, [&](auto& out) {
+            Integer end = 0;
+            for (const writable_block& b : blocks_)
+                for (std::uint64_t e = 0; e < b.size(); ++e)
+                    out.add(end += static_cast<Integer>(zeb::NODES_PER_ELEMENT[b.type]));
+        });
     }
 
     void write_data()
@@ -268,6 +278,7 @@ private:
     sink& to_;
     bool ascii_;
     std::vector<writable_block> blocks_;
+    std::unique_ptr<libdeflate_compressor, void (*)(libdeflate_compressor*)> compressor_;
     std::uint64_t cells_ = 0;
     std::uint64_t offset_ = 0;
     std::vector<packed_array> appended_;

@@ -52,9 +52,19 @@ input_file::~input_file()
 
 std::size_t input_file::read_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
 {
-    if (descriptor_ < 0)
-        return offset < size_ ? bytes_.copy(reinterpret_cast<char*>(bytes), count, static_cast<std::size_t>(offset))
-                              : 0;
+    const std::size_t done = descriptor_ < 0 ? copy_at(offset, bytes, count) : read_file_at(offset, bytes, count);
+    if (on_read != nullptr) on_read(offset + done, size_);
+    return done;
+}
+
+std::size_t input_file::copy_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
+{
+    if (offset >= size_) return 0;
+    return bytes_.copy(reinterpret_cast<char*>(bytes), count, static_cast<std::size_t>(offset));
+}
+
+std::size_t input_file::read_file_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const
+{
     std::size_t done = 0;
     while (done < count) {
         const ssize_t got = pread(descriptor_, bytes + done, count - done, static_cast<off_t>(offset + done));

@@ -7,6 +7,9 @@
 
 namespace tool {
 
+// Told of each piece that is read: where it ends, and the size of the input. Whoever shows progress sets it.
+inline void (*on_read)(std::uint64_t position, std::uint64_t size) = nullptr;
+
 // A regular file open for reading, or bytes that take its place. Every failure is an `unreadable` with the reason in
 // words.
 class input_file {
@@ -30,6 +33,9 @@ public:
     bool is_same_file(const std::string& path) const;
 
 private:
+    std::size_t copy_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
+    std::size_t read_file_at(std::uint64_t offset, unsigned char* bytes, std::size_t count) const;
+
     int descriptor_ = -1;  // -1 for bytes in memory
     std::string bytes_;
     std::uint64_t size_ = 0;

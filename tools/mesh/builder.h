@@ -37,7 +37,17 @@ public:
     }
 
     std::uint64_t size() const { return used_; }
+    T* column(std::uint64_t j) { return &matrix_(0, j); }
     const T* column(std::uint64_t j) const { return &matrix_(0, j); }
+
+    // Entries that stand one after the other become columns of so many rows; what is there already goes.
+    void adopt(zeb::dense2D<T> entries)
+    {
+        entries.cols = entries.rows * entries.cols / rows_;
+        entries.rows = entries.ld = rows_;
+        matrix_ = std::move(entries);
+        used_ = matrix_.cols;
+    }
 
     zeb::dense2D<T> take()
     {
@@ -64,6 +74,23 @@ public:
         if (group != 0 || !to.groups.empty()) to.groups.push_back(group);
         to.numbers.push_back(number);
         return to.connect.append();
+    }
+
+    // Columns for elements in no group, one after the other, with numbers from `first_number` on.
+    unsigned int* add_without_group(zeb::element_type type, std::uint64_t first_number, std::uint64_t count)
+    {
+        collected& to = of(type);
+        if (!to.groups.empty()) to.groups.resize(to.connect.size() + count);
+        to.numbers.append(numbering(first_number, count));
+        return to.connect.append(count);
+    }
+
+    // All elements of a kind, in no group, with numbers from `first_number` on: their nodes one after the other.
+    void adopt(zeb::element_type type, std::uint64_t first_number, zeb::dense2D<unsigned int> nodes)
+    {
+        collected& to = of(type);
+        to.connect.adopt(std::move(nodes));
+        to.numbers = numbering(first_number, to.connect.size());
     }
 
     void reserve(zeb::element_type type, std::uint64_t count) { of(type).connect.reserve(count); }

@@ -1,7 +1,9 @@
 #ifndef TOOLS_MESH_NUMBERING_H
 #define TOOLS_MESH_NUMBERING_H
 
+#include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace tool {
@@ -22,6 +24,25 @@ public:
         if (list_.empty() && number != first_ + count_) list_ = expanded();
         if (!list_.empty()) list_.push_back(number);
         ++count_;
+    }
+
+    void append(const numbering& more)
+    {
+        if (more.is_consecutive() && is_consecutive() && (count_ == 0 || more.first_ == first_ + count_)) {
+            first_ = count_ == 0 ? more.first_ : first_;
+            count_ += more.count_;
+        } else {
+            for (std::uint64_t i = 0; i < more.size(); ++i) push_back(more[i]);
+        }
+    }
+
+    // The least and the greatest number; of an empty list, 0 and 0.
+    std::pair<std::uint64_t, std::uint64_t> range() const
+    {
+        if (count_ == 0) return {0, 0};
+        if (list_.empty()) return {first_, first_ + count_ - 1};
+        const auto [least, greatest] = std::ranges::minmax_element(list_);
+        return {*least, *greatest};
     }
 
 private:

@@ -299,9 +299,16 @@ INSTANTIATE_TEST_SUITE_P(
                     file_case{"second_solid",
                               whole_text + text_stl({{O, X, Y}}),
                               5,
-                              4,
-                              {"1 facet not read (reading ends with the first solid in line 30)"},
+                              5,
+                              {"1 duplicate triangle", "3 edges of three or more triangles"},
                               {"2 solids in the file"}},
+                    file_case{"second_solid_cut",
+                              cut(whole_text + text_stl({{O, X, Y}, {X, Y, Z}}), 60),
+                              6,
+                              5,
+                              {"1 facet not read (line 42: the file ends where 'outer' should be)",
+                               "1 duplicate triangle", "3 edges of three or more triangles"},
+                              {"2 solids in the file", "no 'endsolid' at the end"}},
                     file_case{
                         "second_solid_empty", whole_text + "solid b\nendsolid b\n", 4, 4, {}, {"2 solids in the file"}},
                     file_case{"in_capitals",
@@ -721,18 +728,23 @@ TEST(Program, TellsTheVersionOfTheLibrary)
     EXPECT_EQ(result.out, "tessolv 3.9.3\n");
 }
 
-TEST(Program, NamesEveryOptionAndGivesExamplesInItsHelp)
+TEST(Program, NamesEveryOptionAndGivesExamplesInTheHelpOfCheck)
 {
-    for (const strings& arguments : std::vector<strings>{{"--help"}, {"check", "--help"}}) {
-        const run_result result = tessolv(arguments);
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.err, "");
-        for (const std::string word :
-             {"check", "FILE", "--output", "--json", "--ascii", "--binary", "--quiet", "--help",
-              "Examples:", "tessolv check part.stl --output part.vtk", "Exit status:"})
-            EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
-    }
-    EXPECT_NE(tessolv({"--help"}).out.find("--version"), std::string::npos);
+    const run_result result = tessolv({"check", "--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const std::string word : {"FILE", "--output", "--json", "--ascii", "--binary", "--quiet", "--help", "--color",
+                                   "Examples:", "tessolv check part.stl --output part.vtk", "Exit status:"})
+        EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
+}
+
+TEST(Program, NamesItsCommandsInItsHelp)
+{
+    const run_result result = tessolv({"--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    for (const std::string word : {"\n  check ", "COMMAND FILE...", "--help", "--version", "--output", "Exit status:"})
+        EXPECT_NE(result.out.find(word), std::string::npos) << word << " is not in\n" << result.out;
 }
 
 }  // namespace

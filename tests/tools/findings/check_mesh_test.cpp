@@ -1,3 +1,4 @@
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,16 @@ struct check_mesh : testing::Test {
         return folder.path(name);
     }
 };
+
+TEST_F(check_mesh, TakesCoordinatesWhoseDistanceIsNoNumber)
+{
+    const tool::mesh m =
+        mesh_by_hand({{1e308, 0, 0}, {-1e308, 0, 0}, {-1e308, 1e308, 0}}).with(zeb::EL_TRIA3, {{0, 1, 2}});
+    write_mesh(m, folder.path("in.vtu"));
+    const run_result result = tessolv({"check", "--quiet", folder.path("in.vtu")});
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.find("coincident"), std::string::npos) << result.out;
+}
 
 TEST_F(check_mesh, GivesTheStatusOfTheVerdict)
 {
@@ -130,6 +141,20 @@ TEST_F(check_mesh, TakesTheRulesOfAFile)
     EXPECT_EQ(tessolv({"check", bad, "--rules", lenient}).status, 0);
     EXPECT_EQ(tessolv({"check", bad, "--rules", folder.write("wrong.json", "{")}).status, 2);
     EXPECT_EQ(tessolv({"check", bad, "--rules", folder.path("none.json")}).status, 3);
+}
+
+TEST_F(check_mesh, TakesTheDistanceOfCoincidentNodesInTheUnitOfTheMesh)
+{
+    const std::vector<test::place> torn{{0, 0, 0}, {4, 0, 0}, {0, 3, 0}, {4, 0.01, 0}, {0, 3.01, 0}, {4, 3, 0}};
+    const std::string path = file(mesh_by_hand(torn).with(zeb::EL_TRIA3, {{0, 1, 2}, {3, 5, 4}}), "torn.vtu");
+    EXPECT_EQ(tessolv({"check", "--quiet", path}).status, 0);
+    EXPECT_EQ(tessolv({"check", "--quiet", "--tolerance", "0.009", path}).status, 0);
+    const run_result wide = tessolv({"check", "--quiet", "--tolerance", "0.011", path});
+    EXPECT_EQ(wide.out, path + ": NOT CLEAN: 2 coincident nodes\n");
+    const json rules = json::parse(tessolv({"check", "--json", "--tolerance", "0.01", path}).out)["rules"];
+    EXPECT_NEAR(rules["coincident"].get<double>(), 0.01 / std::hypot(4, 3.01), 1e-15);
+    for (const std::string wrong : {"-1", "nan"})
+        EXPECT_EQ(tessolv({"check", path, "--tolerance", wrong}).status, 2) << wrong;
 }
 
 TEST_F(check_mesh, JudgesAnStlFileLikeAnyOtherWhenAskedTo)

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -91,6 +92,71 @@ TEST(RoundTrip, KeepsAllKindsOfOneFileTogether)
         expect_equal_blocks(is, was, name_of(h));
         if (h.groups) expect_equal_groups(is, was, name_of(h));
         if (h.fields) expect_equal_fields(is, was, name_of(h));
+    }
+}
+
+// Writers and readers go on by some hundreds or thousands of elements at a time.
+mesh of_many_elements(const std::vector<element_type>& kinds)
+{
+    mesh m = test::mesh_of(kinds);
+    std::mt19937 random(3);
+    std::uint64_t first = 1;
+    m.cell_fields.clear();
+    m.point_fields.resize(1);
+    m.point_fields[0] = {"height", 1, number_kind::real64, std::vector<double>(40000)};
+    resize(m.pos, 3, 40000);
+    for (std::uint64_t j = 0; j < m.pos.cols; ++j) {
+        for (std::uint64_t i = 0; i < 3; ++i) m.pos(i, j) = static_cast<double>(i + 3 * j) / 4;
+        m.point_fields[0].values[j] = static_cast<double>(j);
+    }
+    m.node_numbers = numbering(1, m.pos.cols);
+    for (element_block& block : m.blocks) {
+        constexpr std::uint64_t count = 2100;
+        block.connect = connectivity(block.connect.rows, count);
+        for (std::uint64_t e = 0; e < count; ++e)
+            for (std::uint64_t k = 0; k < block.connect.rows; ++k)
+                block.connect(k, e) = static_cast<unsigned int>(random() % m.pos.cols);
+        block.groups.assign(count, 4);
+        block.numbers = numbering(first, count);
+        first += count;
+    }
+    m.cell_fields.push_back({"load", 1, number_kind::real64, std::vector<double>(first - 1)});
+    for (double& value : m.cell_fields[0].values) value = static_cast<double>(random()) / 7;
+    return m;
+}
+
+TEST(RoundTrip, KeepsManyElementsOfEveryKind)
+{
+    for (const holder& h : holders) {
+        mesh was = of_many_elements(h.kinds);
+        const mesh is = test::read_bytes(test::written(was, h.format, h.ascii));
+        expect_equal_blocks(is, was, name_of(h));
+        if (h.groups) expect_equal_groups(is, was, name_of(h));
+        if (h.fields) expect_equal_fields(is, was, name_of(h));
+    }
+}
+
+TEST(RoundTrip, KeepsManyNumbersThatDoNotFollowEachOther)
+{
+    mesh was = of_many_elements({EL_TETRA4, EL_HEXA8});
+    was.blocks[0].groups[17] = 9;
+    for (element_block& block : was.blocks) {
+        numbering numbers;
+        for (std::uint64_t e = 0; e < block.size(); ++e) numbers.push_back(block.numbers[e] * 3);
+        block.numbers = numbers;
+    }
+    for (const char* format : {"gmsh", "gmsh22"}) {
+        const mesh is = test::read_bytes(test::written(was, format));
+        std::vector<std::uint64_t> found;
+        std::vector<std::uint64_t> wanted;
+        for (std::uint64_t e = 0; e < 2100; ++e) {
+            found.push_back(is.blocks[0].numbers[e]);
+            wanted.push_back(was.blocks[0].numbers[e]);
+            EXPECT_EQ(is.blocks[1].numbers[e], was.blocks[1].numbers[e]) << format;
+        }
+        // Version 4.1 has the elements of one group after those of another.
+        std::ranges::sort(found);
+        EXPECT_EQ(found, wanted) << format;
     }
 }
 

@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -5,6 +6,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -70,6 +72,31 @@ TEST(FileBeside, TakesItsPlaceOnlyWhenItIsCommitted)
     file.commit();
     EXPECT_EQ(test::read_file(folder.path("a")), "whole");
     EXPECT_FALSE(exists(file.name() + "x"));
+}
+
+TEST(FileBeside, DoesNotReplaceADeviceOrAPipe)
+{
+    const test::temporary_folder folder;
+    ASSERT_EQ(mkfifo(folder.path("pipe.vtk").c_str(), 0600), 0);
+    write_options options;
+    options.library = true;
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("pipe.vtk"), {}, options), unwritable);
+    EXPECT_TRUE(std::filesystem::is_fifo(folder.path("pipe.vtk")));
+    EXPECT_THROW(file_beside("/dev/null"), unwritable);
+}
+
+// As `cp` and the shell have it: a pipe stays one, and its writer waits for the reader.
+TEST(WriteMesh, GoesThroughANamedPipe)
+{
+    const test::temporary_folder folder;
+    const std::string pipe = folder.path("pipe.vtk");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::string read;
+    std::thread reader([&] { read = test::read_file(pipe); });
+    write_mesh(tetrahedra(), pipe);
+    reader.join();
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+    EXPECT_EQ(read, test::written(tetrahedra(), "vtk"));
 }
 
 TEST(FileBeside, IsRemovedByASignal)

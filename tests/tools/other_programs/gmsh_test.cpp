@@ -183,4 +183,36 @@ TEST_F(GmshFiles, AreReadByGmshAsTheyWere)
     for (const auto& [first, last] : pairs) expect_same_numbers(read(last), read(first), last + '\n' + done.said);
 }
 
+// MEDIT files, of which gmsh passes over pyramids and wedges, and the triangles of STL files.
+TEST_F(GmshFiles, OfOtherFormatsAreReadByGmsh)
+{
+    std::string script = "Mesh.MshFileVersion=4.1;\n";
+    const std::vector<element_type> linear{EL_TRIA3, EL_QUAD4, EL_TETRA4, EL_HEXA8};
+    write_mesh(test::mesh_of(linear), folder.path("ours.mesh"));
+    write_mesh(test::mesh_of({EL_TRIA6, EL_TETRA10}), folder.path("ours2.mesh"));
+    write_options text;
+    text.ascii = true;
+    write_mesh(test::two_elements(EL_TRIA3), folder.path("text.stl"), {}, text);
+    write_mesh(test::two_elements(EL_TRIA3), folder.path("bytes.stl"));
+    for (const std::string name : {"ours.mesh", "ours2.mesh", "text.stl", "bytes.stl"})
+        script += "Merge \"" + name + "\"; Save \"" + name + ".msh\"; NewModel;\n";
+    folder.write("again.geo", script);
+    const test::outcome done = run("again.geo");
+    ASSERT_TRUE(done.succeeded()) << done.said;
+    for (const std::string name : {"ours.mesh", "ours2.mesh"}) {
+        const mesh was = read(name);
+        const mesh is = read(name + ".msh");
+        EXPECT_EQ(counts(is), counts(was)) << name << done.said;
+        EXPECT_EQ(is.pos.cols, was.pos.cols) << name;
+        EXPECT_TRUE(test::is_well_ordered(is)) << name;
+    }
+    for (const std::string name : {"text.stl", "bytes.stl"}) {
+        const mesh is = read(name + ".msh");
+        ASSERT_EQ(is.blocks.size(), 1u) << name << done.said;
+        EXPECT_EQ(is.blocks[0].type, EL_TRIA3) << name;
+        EXPECT_EQ(is.element_count(), 2u) << name;
+        EXPECT_EQ(is.pos.cols, 6u) << name;
+    }
+}
+
 }  // namespace

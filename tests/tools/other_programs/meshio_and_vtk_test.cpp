@@ -115,4 +115,20 @@ TEST(MeshioAndOurs, AgreeOnSurfaces)
     }
 }
 
+TEST(VtkAndOurs, AgreeOnSurfaces)
+{
+    if (!test::has_module("vtk")) GTEST_SKIP() << "there is no vtk for the Python of the system";
+    const test::temporary_folder folder;
+    const mesh was = test::two_elements(EL_TRIA3);
+    write_options text;
+    text.ascii = true;
+    write_mesh(was, folder.path("bytes.stl"));
+    write_mesh(was, folder.path("text.stl"), {}, text);
+    write_mesh(was, folder.path("ours.obj"));
+    const test::outcome done = test::run_script("vtk_surface.py", {"bytes.stl", "text.stl", "ours.obj"}, folder);
+    ASSERT_TRUE(done.succeeded()) << done.said;
+    for (const char* line : {"bytes.stl 6 2\n", "text.stl 6 2\n", "ours.obj 6 2\n"})
+        EXPECT_NE(done.said.find(line), done.said.npos) << done.said;
+}
+
 }  // namespace
