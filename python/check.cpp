@@ -181,12 +181,13 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
     return verdict_of(m, verdict, by);
 }
 
-// Whether the file is a text, its facets and those that the library reads; none where it is no STL file.
+// Whether the file is a text, its facets, those that the library reads, its solids; none where it is no STL file.
 py::object survey_stl(const std::string& file)
 {
     try {
         const tool::stl_survey survey = tool::survey_stl(tool::input_file(file), {});
-        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read);
+        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read,
+                              survey.solids);
     } catch (const tool::unreadable&) {
         return py::none();
     }

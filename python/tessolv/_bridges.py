@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 import os
+import re
+import tempfile
 from pathlib import Path
 from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Union
 
@@ -95,17 +97,32 @@ def vtk_arrays(mesh: MeshData) -> Any:
     return np.concatenate(cells), np.concatenate(codes), points
 
 
+def _parts_of_stl(path: Path) -> Parts:
+    # What cannot be told is left to the reader, which says what is wrong.
+    is_text, in_file, read, solids = _tessolv.survey_stl(os.fsencode(path)) or (True, 0, 0, 1)
+    if solids > 1:
+        with tempfile.TemporaryDirectory() as folder:
+            return _parts_of_stl(_as_one_solid(path, Path(folder) / path.name))
+    pos, connect = STL_input(path, is_text)
+    kept = len(connect)
+    facets = Facets(max(in_file, kept), max(read, kept), kept)
+    return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+
+
+def _as_one_solid(path: Path, copy: Path) -> Path:
+    """A copy of a text STL with the facets of all solids in one: the library's reader ends with the first."""
+    begin_or_end = re.compile(rb"\s*(end)?solid\b", re.IGNORECASE)
+    facets = (line for line in path.read_bytes().splitlines(keepends=True) if not begin_or_end.match(line))
+    copy.write_bytes(b"".join((b"solid\n", *facets, b"\nendsolid\n")))
+    return copy
+
+
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
     """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
     path = Path(file)
     ending = path.suffix.lower()
     if ending == ".stl":
-        # What cannot be told is left to the reader, which says what is wrong.
-        is_text, in_file, read = _tessolv.survey_stl(os.fsencode(path)) or (True, 0, 0)
-        pos, connect = STL_input(path, is_text)
-        kept = len(connect)
-        facets = Facets(max(in_file, kept), max(read, kept), kept)
-        return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+        return _parts_of_stl(path)
     if ending == ".obj":
         part = WavefrontOBJ_input(path)
         faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}
