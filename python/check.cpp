@@ -70,7 +70,7 @@ tool::mesh mesh_of(call& c, py::handle pos, py::handle types, py::handle cells, 
     take_cells(c, types, cells, m);
     if (facets.is_none()) return m;
     const auto [in_file, read, kept] = facets.cast<std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>>();
-    m.facets = tool::facet_counts{false, in_file, read};
+    m.facets = tool::facet_counts{false, in_file, read, {}};
     const auto tell = [&](std::uint64_t count, const char* what) {
         if (count != 0) m.faults.push_back({"facets_not_read", count, tool::counted(count, "facet", "facets") + what});
     };
