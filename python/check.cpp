@@ -70,7 +70,7 @@ tool::mesh mesh_of(call& c, py::handle pos, py::handle types, py::handle cells, 
     take_cells(c, types, cells, m);
     if (facets.is_none()) return m;
     const auto [in_file, read, kept] = facets.cast<std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>>();
-    m.facets = tool::facet_counts{false, in_file, read};
+    m.facets = tool::facet_counts{false, in_file, read, {}};
     const auto tell = [&](std::uint64_t count, const char* what) {
         if (count != 0) m.faults.push_back({"facets_not_read", count, tool::counted(count, "facet", "facets") + what});
     };
@@ -181,12 +181,13 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
     return verdict_of(m, verdict, by);
 }
 
-// Whether the file is a text, its facets and those that the library reads; none where it is no STL file.
+// Whether the file is a text, its facets, those that the library reads, its solids; none where it is no STL file.
 py::object survey_stl(const std::string& file)
 {
     try {
         const tool::stl_survey survey = tool::survey_stl(tool::input_file(file), {});
-        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read);
+        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read,
+                              survey.solids);
     } catch (const tool::unreadable&) {
         return py::none();
     }

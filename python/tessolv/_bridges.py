@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 import os
+import re
+import tempfile
 from contextlib import contextmanager
 from pathlib import Path
 from typing import Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Union
@@ -99,19 +101,34 @@ def vtk_arrays(mesh: MeshData) -> Any:
     return np.concatenate(cells), np.concatenate(codes), points
 
 
+def _parts_of_stl(path: Path) -> Parts:
+    survey = _tessolv.survey_stl(os.fsencode(path))
+    is_text, in_file, read, solids = survey or (True, 0, 0, 1)
+    if solids > 1:
+        with tempfile.TemporaryDirectory() as folder:
+            return _parts_of_stl(_as_one_solid(path, Path(folder) / path.name))
+    pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
+    if survey is None:
+        raise Error("read", None, "file", "is no STL file, neither text nor binary")
+    kept = len(connect)
+    facets = Facets(max(in_file, kept), max(read, kept), kept)
+    return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+
+
+def _as_one_solid(path: Path, copy: Path) -> Path:
+    """A copy of a text STL with the facets of all solids in one: the library's reader ends with the first."""
+    begin_or_end = re.compile(rb"\s*(end)?solid\b", re.IGNORECASE)
+    facets = (line for line in path.read_bytes().splitlines(keepends=True) if not begin_or_end.match(line))
+    copy.write_bytes(b"".join((b"solid\n", *facets, b"\nendsolid\n")))
+    return copy
+
+
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
     """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
     path = _path("read", file)
     ending = path.suffix.lower()
     if ending == ".stl":
-        survey = _tessolv.survey_stl(os.fsencode(path))
-        is_text, in_file, read = survey or (True, 0, 0)
-        pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
-        if survey is None:
-            raise Error("read", None, "file", "is no STL file, neither text nor binary")
-        kept = len(connect)
-        facets = Facets(max(in_file, kept), max(read, kept), kept)
-        return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+        return _parts_of_stl(path)
     if ending == ".obj":
         part = WavefrontOBJ_input(path)
         faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}
