@@ -6,6 +6,7 @@
 #include "errors.h"
 #include "findings/examine.h"
 #include "findings/face_list.h"
+#include "formats/stl_read.h"
 #include "input/input_file.h"
 #include "mesh/kinds.h"
 #include "module.h"
@@ -181,7 +182,7 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
     return verdict_of(m, verdict, by);
 }
 
-// Whether the file is a text, its facets, those that the library reads, its solids; none where it is no STL file.
+// Whether the file is a text, its facets, those that the library reads, and its solids; none where it is no STL file.
 py::object survey_stl(const std::string& file)
 {
     try {
@@ -191,6 +192,27 @@ py::object survey_stl(const std::string& file)
     } catch (const tool::unreadable&) {
         return py::none();
     }
+}
+
+// All solids of a text as one surface, which the program checks so: nodes, triangles, facets of the file and those read.
+py::tuple read_solids(const std::string& file)
+{
+    const call c("read");
+    tool::mesh m;
+    try {
+        m = tool::read_stl(tool::source::open(file));
+    } catch (const tool::unreadable& problem) {
+        c.refuse("file", problem.what());
+    }
+    dense2D<double> points;
+    points.swap(m.pos);
+    dense2D<index> triangles;
+    if (!m.blocks.empty()) triangles.swap(m.blocks.front().connect);
+    dense1D<index> new_ids;
+    c.translate(lib::remove_degenerated(triangles, new_ids));
+    c.translate(lib::simplify(points, triangles));
+    return py::make_tuple(handed_over(std::move(points), 3), handed_over(std::move(triangles), 3), m.facets->in_file,
+                          m.facets->read);
 }
 
 py::list all_faults()
@@ -214,6 +236,7 @@ void define_check(py::module_& m)
 {
     m.def("check", &check);
     m.def("survey_stl", [](const py::bytes& file) { return survey_stl(file); });
+    m.def("read_solids", [](const py::bytes& file) { return read_solids(file); });
     m.def("fault_codes", &all_faults);
     m.def("kind_words", &kind_words);
 }

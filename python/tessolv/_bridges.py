@@ -3,8 +3,6 @@
 from __future__ import annotations
 
 import os
-import re
-import tempfile
 from contextlib import contextmanager
 from pathlib import Path
 from typing import Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Union
@@ -104,23 +102,15 @@ def vtk_arrays(mesh: MeshData) -> Any:
 def _parts_of_stl(path: Path) -> Parts:
     survey = _tessolv.survey_stl(os.fsencode(path))
     is_text, in_file, read, solids = survey or (True, 0, 0, 1)
-    if solids > 1:
-        with tempfile.TemporaryDirectory() as folder:
-            return _parts_of_stl(_as_one_solid(path, Path(folder) / path.name))
-    pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
+    if solids > 1:  # of which the library's reader takes the first
+        pos, connect, in_file, read = _tessolv.read_solids(os.fsencode(path))
+    else:
+        pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
     if survey is None:
         raise Error("read", None, "file", "is no STL file, neither text nor binary")
     kept = len(connect)
     facets = Facets(max(in_file, kept), max(read, kept), kept)
     return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
-
-
-def _as_one_solid(path: Path, copy: Path) -> Path:
-    """A copy of a text STL with the facets of all solids in one: the library's reader ends with the first."""
-    begin_or_end = re.compile(rb"\s*(end)?solid\b", re.IGNORECASE)
-    facets = (line for line in path.read_bytes().splitlines(keepends=True) if not begin_or_end.match(line))
-    copy.write_bytes(b"".join((b"solid\n", *facets, b"\nendsolid\n")))
-    return copy
 
 
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:

@@ -33,7 +33,8 @@ LINEAR = {
 class Facets(NamedTuple):
     """The facets of an STL file: how many it holds, how many were read, how many became triangles.
 
-    A text file is read to the end of its first solid or to the first malformed facet. Facets without area are dropped.
+    All solids of a text file are one surface. With one solid reading stops at the first malformed facet, with several such a
+    facet is passed over. Facets without area are dropped.
     """
 
     in_file: int

@@ -206,6 +206,8 @@ def test_all_solids_of_an_stl_text_are_read(tmp_path):
     mesh = ts.Mesh.read(tmp_path / "three.stl")
     assert mesh.facets == (3, 3, 3)
     assert sorted(mesh.points[:, 2]) == [0, 0, 0, 1, 1, 1, 2, 2, 2]
+    (tmp_path / "bad.stl").write_text(f"solid\n{FACET.format(0, 1)}endsolid\nsolid\nfacet normal x\nendsolid\n")
+    assert ts.Mesh.read(tmp_path / "bad.stl").facets == (2, 1, 1)
 
 
 def test_what_is_cut_out_of_a_surface_is_open_by_intent(tmp_path):
