@@ -1,8 +1,10 @@
 #include "call.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <limits>
+#include <memory>
 #include <new>
 
 #include "arrays.h"
@@ -182,22 +184,45 @@ py::array call::array(py::handle value, std::string_view name) const
         array = numpy_array(py::detail::npy_api::get().PyArray_FromAny_(value.ptr(), nullptr, 0, 0,
                                                                         flags::NPY_ARRAY_ENSUREARRAY_, nullptr));
     } catch (py::error_already_set& error) {
-        if (error.matches(PyExc_MemoryError)) throw;
+        if (error.matches(PyExc_MemoryError) || !error.matches(PyExc_Exception)) throw;  // an interrupt is no refusal
         refuse(name, "is no array: " + text(error.value()));
     }
     return array;
 }
 
-bool call::overlaps_out(const py::array& array) const
+namespace {
+
+// First and last byte of what an array can reach, the last one not included.
+std::pair<std::uintptr_t, std::uintptr_t> extent_of(const py::array& array)
 {
-    if (out_first_ == out_last_ || array.size() == 0) return false;
     auto first = reinterpret_cast<std::uintptr_t>(array.data());
+    if (array.size() == 0) return {first, first};
     std::uintptr_t last = first + static_cast<std::uintptr_t>(array.itemsize());
     for (py::ssize_t d = 0; d < array.ndim(); ++d) {
         const py::ssize_t span = array.strides(d) * (array.shape(d) - 1);
         (span < 0 ? first : last) += static_cast<std::uintptr_t>(span);
     }
-    return first < out_last_ && out_first_ < last;
+    return {first, last};
+}
+
+// Whether `out` is the very array, entry for entry.
+bool is_itself(const py::array& array, py::handle out)
+{
+    if (!out || !py::isinstance<py::array>(out)) return false;
+    const auto other = py::reinterpret_borrow<py::array>(out);
+    return other.data() == array.data() && other.ndim() == array.ndim() &&
+           std::equal(array.shape(), array.shape() + array.ndim(), other.shape()) &&
+           std::equal(array.strides(), array.strides() + array.ndim(), other.strides());
+}
+
+}  // namespace
+
+bool call::overlaps_out(const py::array& array) const
+{
+    if (array.size() == 0) return false;
+    const auto range = extent_of(array);
+    return std::any_of(out_ranges_.begin(), out_ranges_.end(),
+                       [&](const auto& out) { return range.first < out.second && out.first < range.second; });
 }
 
 // An array of the right type in one piece, made for this call.
@@ -248,23 +273,41 @@ py::array call::used(py::array array, bool of_others)
 }
 
 template <class T>
-dense2D<T> call::matrix(py::handle value, std::string_view name)
+bool call::usable(const py::array& given, bool has_layout, py::handle own_out) const
+{
+    return holds<T>(given) && has_layout && (is_itself(given, own_out) || !overlaps_out(given));
+}
+
+template <class T>
+dense2D<T> call::taken_matrix(py::handle value, py::handle own_out, std::string_view name)
 {
     const py::array given = array(value, name);
     if (given.ndim() != 2 && !(given.ndim() == 1 && given.size() == 0)) refuse(name, dimensions(given, 2));
     // Elements without nodes take no memory, results for each of them do.
     if (given.size() == 0) require_room(static_cast<std::uint64_t>(given.shape(0)) * 2 * sizeof(double));
-    const bool in_place = holds<T>(given) && is_column_major_matrix(given) && !overlaps_out(given);
+    const bool in_place = usable<T>(given, is_column_major_matrix(given), own_out);
     return look_into_matrix<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
+}
+
+template <class T>
+dense1D<T> call::taken_vector(py::handle value, py::handle own_out, std::string_view name)
+{
+    const py::array given = array(value, name);
+    if (given.ndim() != 1) refuse(name, dimensions(given, 1));
+    const bool in_place = usable<T>(given, is_plain_vector(given), own_out);
+    return look_into_vector<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
+}
+
+template <class T>
+dense2D<T> call::matrix(py::handle value, std::string_view name)
+{
+    return taken_matrix<T>(value, {}, name);
 }
 
 template <class T>
 dense1D<T> call::vector(py::handle value, std::string_view name)
 {
-    const py::array given = array(value, name);
-    if (given.ndim() != 1) refuse(name, dimensions(given, 1));
-    const bool in_place = holds<T>(given) && is_plain_vector(given) && !overlaps_out(given);
-    return look_into_vector<T>(used(in_place ? given : converted<T>(given, name), in_place && !is_listing(value)));
+    return taken_vector<T>(value, {}, name);
 }
 
 template <class T>
@@ -279,9 +322,6 @@ dense1D<T> call::optional_vector(py::handle value, std::string_view name)
     return value.is_none() ? dense1D<T>() : vector<T>(value, name);
 }
 
-namespace {
-
-// A list of arrays is several matrices; a list of rows is one.
 bool is_several(py::handle value)
 {
     if (!is_listing(value)) return false;
@@ -289,8 +329,6 @@ bool is_several(py::handle value)
         if (!py::isinstance<py::array>(item) || py::reinterpret_borrow<py::array>(item).ndim() == 1) return false;
     return true;
 }
-
-}  // namespace
 
 template <class T>
 std::vector<dense2D<T>> call::matrices(py::handle value, std::string_view name)
@@ -329,7 +367,16 @@ zeb::vector_fixed<double, 3> call::point(py::handle value, std::string_view name
     return {values[0], values[1], count == 3 ? values[2] : 0.0};
 }
 
-index call::number(py::handle value, std::string_view name)
+double call::real(py::handle value, std::string_view name) const
+{
+    const double number = PyFloat_AsDouble(value.ptr());
+    if (number != -1.0 || PyErr_Occurred() == nullptr) return number;
+    if (PyErr_ExceptionMatches(PyExc_Exception) == 0) throw py::error_already_set();
+    PyErr_Clear();
+    refuse(name, "is no number");
+}
+
+index call::number(py::handle value, std::string_view name) const
 {
     const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
     if (!whole) {
@@ -364,7 +411,9 @@ dense1D<int> call::types(py::handle value, std::string_view name)
         all.push_back(type(item, where));
         if (all.size == before) throw std::bad_alloc();
     };
-    if (!py::isinstance<py::sequence>(value) && !py::isinstance<py::array>(value)) {
+    const bool is_one = py::isinstance<py::array>(value) ? py::reinterpret_borrow<py::array>(value).ndim() == 0
+                                                         : !py::isinstance<py::sequence>(value);
+    if (is_one) {
         append(value, std::string(name));
         return all;
     }
@@ -372,18 +421,26 @@ dense1D<int> call::types(py::handle value, std::string_view name)
     return all;
 }
 
-void call::watch(const py::array& out)
+void call::watch(py::handle out)
 {
+    if (out.is_none()) return;
     keep_lock();
-    out_first_ = reinterpret_cast<std::uintptr_t>(out.data());
-    out_last_ = out_first_ + static_cast<std::uintptr_t>(out.nbytes());
+    if (!py::isinstance<py::array>(out)) refuse("out", "is no array");
+    const auto array = py::reinterpret_borrow<py::array>(out);
+    if (overlaps_out(array)) refuse("out", "holds arrays that overlap");
+    out_ranges_.push_back(extent_of(array));
+}
+
+void call::fill_outs()
+{
+    for (const auto& fill : to_fill_) fill();
+    to_fill_.clear();
 }
 
 // `out` if the library can write into it as it stands.
 template <class T>
 py::array call::fitting_out(py::handle out, const std::vector<py::ssize_t>& shape) const
 {
-    if (!py::isinstance<py::array>(out)) refuse("out", "is no array");
     auto array = py::reinterpret_borrow<py::array>(out);
     if (!holds<T>(array))
         refuse("out", "has the type " + text(array.dtype()) + " instead of " + text(py::dtype::of<T>()));
@@ -420,10 +477,13 @@ void copy_columns(const dense2D<T>& from, std::uint64_t width, T* to)
 
 }  // namespace
 
-// `columns` is the width of what is changed.
+// `width` is that of what is changed, where it is not the width of the value.
 template <class T>
-changed<dense2D<T>> call::target(dense2D<T> from, std::uint64_t columns, py::handle out)
+changed<dense2D<T>> call::target(py::handle value, py::handle out, std::optional<std::uint64_t> width,
+                                 std::string_view name)
 {
+    dense2D<T> from = taken_matrix<T>(value, out, name);
+    const std::uint64_t columns = width.value_or(from.rows);
     if (out.is_none()) {
         changed<dense2D<T>> copy{dense2D<T>(), py::none()};
         if (!copy.values.resize(columns, from.cols)) throw std::bad_alloc();
@@ -431,42 +491,53 @@ changed<dense2D<T>> call::target(dense2D<T> from, std::uint64_t columns, py::han
         return copy;
     }
     const py::array array = fitting_out<T>(out, shape_of(from.cols, columns));
-    watch(array);
     changed<dense2D<T>> to{look_into_matrix<T>(array), array};
-    if (to.values.empty() || (!from.empty() && &from(0, 0) == &to.values(0, 0) && from.ld == columns)) return to;
-    if (dense2D<T> apart; apart.copy(from)) {
-        copy_columns(apart, columns, &to.values(0, 0));
-        return to;
-    }
-    throw std::bad_alloc();
+    if (to.values.empty() || (!from.empty() && &from(0, 0) == &to.values(0, 0))) return to;
+    to_fill_.push_back([columns, kept = std::make_shared<dense2D<T>>(std::move(from)), entries = &to.values(0, 0)] {
+        copy_columns(*kept, columns, entries);
+    });
+    return to;
 }
 
 template <class T>
 changed<dense2D<T>> call::changed_matrix(py::handle value, py::handle out, std::string_view name)
 {
-    dense2D<T> from = matrix<T>(value, name);
-    const std::uint64_t columns = from.rows;
-    return target(std::move(from), columns, out);
+    watch(out);
+    return target<T>(value, out, std::nullopt, name);
+}
+
+std::vector<changed<dense2D<index>>> call::changed_matrices(const std::vector<py::object>& values,
+                                                            const std::vector<py::object>& outs, std::string_view name)
+{
+    for (const py::object& out : outs) watch(out);
+    std::vector<changed<dense2D<index>>> all;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        all.push_back(target<index>(values[i], outs[i], std::nullopt, name));
+    return all;
 }
 
 changed<dense2D<double>> call::changed_points(py::handle value, py::handle out, std::string_view name)
 {
-    return target(matrix<double>(value, name), 3, out);
+    watch(out);
+    return target<double>(value, out, 3, name);
 }
 
 template <class T>
 changed<dense1D<T>> call::changed_vector(py::handle value, py::handle out, std::string_view name)
 {
-    const dense1D<T> from = vector<T>(value, name);
+    watch(out);
+    dense1D<T> from = taken_vector<T>(value, out, name);
     if (out.is_none()) {
         changed<dense1D<T>> copy{dense1D<T>(), py::none()};
         if (!copy.values.copy(from)) throw std::bad_alloc();
         return copy;
     }
     const py::array array = fitting_out<T>(out, {static_cast<py::ssize_t>(from.size)});
-    watch(array);
     changed<dense1D<T>> to{look_into_vector<T>(array), array};
-    if (from.size != 0) std::memmove(to.values.data(), from.data(), from.size * sizeof(T));  // they may overlap
+    if (from.size == 0 || from.data() == to.values.data()) return to;
+    to_fill_.push_back([kept = std::make_shared<dense1D<T>>(std::move(from)), entries = to.values.data()] {
+        std::memcpy(entries, kept->data(), kept->size * sizeof(T));
+    });
     return to;
 }
 

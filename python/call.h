@@ -4,6 +4,7 @@
 #include <pybind11/numpy.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,9 @@ struct changed {
     py::object out;  // none for a copy
 };
 
+// Whether a value is several matrices: a list of arrays, where a list of rows is one.
+bool is_several(py::handle value);
+
 // Throws exhausted memory where the system could not back so much: it would grant the request and end the program when
 // the memory is written to. One huge index in a file must not do that.
 void require_room(std::uint64_t bytes);
@@ -57,6 +61,9 @@ public:
 
     call(const call&) = delete;
     call& operator=(const call&) = delete;
+
+    // What NumPy makes of a value.
+    py::array array(py::handle value, std::string_view name) const;
 
     // Arrays of T, used where they are if type and layout allow it, otherwise converted once. T is double, float or
     // index; -1 stands for NONE_INDEX in signed arrays.
@@ -82,19 +89,25 @@ public:
     // Exactly `count` numbers.
     std::vector<double> numbers(py::handle value, std::size_t count, std::string_view name);
 
+    double real(py::handle value, std::string_view name) const;
+
     // 0 to 2^32 - 1, or -1 for NONE_INDEX.
-    index number(py::handle value, std::string_view name);
+    index number(py::handle value, std::string_view name) const;
     zeb::element_type type(py::handle value, std::string_view name);
 
     // One type for one matrix, otherwise a sequence.
     dense1D<int> types(py::handle value, std::string_view name);
 
-    // What the library changes: with out = None a copy, otherwise `out` with the entries of `value` in it. Must come
-    // before the arguments that are only read: those that overlap with `out` are copied.
+    // What the library changes: with out = None a copy, otherwise `out`, which takes the entries of `value` when the
+    // call runs. Must come before the arguments that are only read: those that overlap with `out` are copied.
     template <class T>
     changed<dense2D<T>> changed_matrix(py::handle value, py::handle out, std::string_view name);
     template <class T>
     changed<dense1D<T>> changed_vector(py::handle value, py::handle out, std::string_view name);
+
+    // Several of them, of which none may overlap with the `out` of another.
+    std::vector<changed<dense2D<index>>> changed_matrices(const std::vector<py::object>& values,
+                                                          const std::vector<py::object>& outs, std::string_view name);
 
     // Coordinates that get a third column of zeros if they have none.
     changed<dense2D<double>> changed_points(py::handle value, py::handle out, std::string_view name);
@@ -103,6 +116,7 @@ public:
     template <class F>
     auto run(F f)
     {
+        fill_outs();
         if (!exclusive_) return f();
         ++unlocked_calls;
         const py::gil_scoped_release release;
@@ -130,7 +144,6 @@ public:
     std::vector<py::object> kept() { return kept_; }
 
 private:
-    py::array array(py::handle value, std::string_view name) const;
     template <class T>
     py::array converted(py::array array, std::string_view name) const;
     template <class T>
@@ -138,15 +151,24 @@ private:
     template <class T>
     py::array fitting_out(py::handle out, const std::vector<py::ssize_t>& shape) const;
     template <class T>
-    changed<dense2D<T>> target(dense2D<T> from, std::uint64_t columns, py::handle out);
+    bool usable(const py::array& given, bool has_layout, py::handle own_out) const;
+    template <class T>
+    dense2D<T> taken_matrix(py::handle value, py::handle own_out, std::string_view name);
+    template <class T>
+    dense1D<T> taken_vector(py::handle value, py::handle own_out, std::string_view name);
+    template <class T>
+    changed<dense2D<T>> target(py::handle value, py::handle out, std::optional<std::uint64_t> width,
+                               std::string_view name);
     py::array used(py::array array, bool of_others);
     bool overlaps_out(const py::array& array) const;
-    void watch(const py::array& out);
+    void watch(py::handle out);
+    void fill_outs();
 
     std::string_view form_;
     bool exclusive_ = true;
     std::vector<py::object> kept_;
-    std::uintptr_t out_first_ = 0, out_last_ = 0;
+    std::vector<std::pair<std::uintptr_t, std::uintptr_t>> out_ranges_;
+    std::vector<std::function<void()>> to_fill_;
 };
 
 // Throws a refusal of the table, or exhausted memory.

@@ -6,14 +6,12 @@ changed_range changed_connectivity(call& c, py::handle connect, py::handle out)
 {
     changed_range all;
     std::vector<py::object> given;
-    if (py::isinstance<py::list>(connect) || py::isinstance<py::tuple>(connect)) {
-        all.single = false;
-        for (const py::handle item : connect) {
-            if (!py::isinstance<py::array>(item)) all.single = true;
-            given.push_back(py::reinterpret_borrow<py::object>(item));
-        }
+    all.single = !is_several(connect);
+    if (all.single) {
+        given = {py::reinterpret_borrow<py::object>(connect)};
+    } else {
+        for (const py::handle item : connect) given.push_back(py::reinterpret_borrow<py::object>(item));
     }
-    if (all.single) given = {py::reinterpret_borrow<py::object>(connect)};
     std::vector<py::object> outs(given.size(), py::none());
     if (!out.is_none() && all.single) outs = {py::reinterpret_borrow<py::object>(out)};
     if (!out.is_none() && !all.single) {
@@ -21,8 +19,7 @@ changed_range changed_connectivity(call& c, py::handle connect, py::handle out)
             c.refuse("out", "must hold as many arrays as connect");
         for (std::size_t i = 0; i < given.size(); ++i) outs[i] = out[py::int_(i)];
     }
-    for (std::size_t i = 0; i < given.size(); ++i) {
-        auto one = c.changed_matrix<index>(given[i], outs[i], "connect");
+    for (auto& one : c.changed_matrices(given, outs, "connect")) {
         all.matrices.push_back(std::move(one.values));
         all.outs.push_back(std::move(one.out));
     }

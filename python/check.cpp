@@ -6,10 +6,11 @@
 #include "errors.h"
 #include "findings/examine.h"
 #include "findings/face_list.h"
+#include "formats/stl_read.h"
 #include "input/input_file.h"
 #include "mesh/kinds.h"
 #include "module.h"
-#include "surface/stl_survey.h"
+#include "stl/stl_survey.h"
 #include "words.h"
 
 namespace binding {
@@ -70,7 +71,7 @@ tool::mesh mesh_of(call& c, py::handle pos, py::handle types, py::handle cells, 
     take_cells(c, types, cells, m);
     if (facets.is_none()) return m;
     const auto [in_file, read, kept] = facets.cast<std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>>();
-    m.facets = tool::facet_counts{false, in_file, read};
+    m.facets = tool::facet_counts{false, in_file, read, {}};
     const auto tell = [&](std::uint64_t count, const char* what) {
         if (count != 0) m.faults.push_back({"facets_not_read", count, tool::counted(count, "facet", "facets") + what});
     };
@@ -181,15 +182,37 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
     return verdict_of(m, verdict, by);
 }
 
-// Whether the file is a text, its facets and those that the library reads; none where it is no STL file.
+// Whether the file is a text, its facets, those that the library reads, and its solids; none where it is no STL file.
 py::object survey_stl(const std::string& file)
 {
     try {
         const tool::stl_survey survey = tool::survey_stl(tool::input_file(file), {});
-        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read);
+        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read,
+                              survey.solids);
     } catch (const tool::unreadable&) {
         return py::none();
     }
+}
+
+// All solids of a text as one surface, which the program checks so: nodes, triangles, facets of the file and those read.
+py::tuple read_solids(const std::string& file)
+{
+    const call c("read");
+    tool::mesh m;
+    try {
+        m = tool::read_stl(tool::source::open(file));
+    } catch (const tool::unreadable& problem) {
+        c.refuse("file", problem.what());
+    }
+    dense2D<double> points;
+    points.swap(m.pos);
+    dense2D<index> triangles;
+    if (!m.blocks.empty()) triangles.swap(m.blocks.front().connect);
+    dense1D<index> new_ids;
+    c.translate(lib::remove_degenerated(triangles, new_ids));
+    c.translate(lib::simplify(points, triangles));
+    return py::make_tuple(handed_over(std::move(points), 3), handed_over(std::move(triangles), 3), m.facets->in_file,
+                          m.facets->read);
 }
 
 py::list all_faults()
@@ -213,6 +236,7 @@ void define_check(py::module_& m)
 {
     m.def("check", &check);
     m.def("survey_stl", [](const py::bytes& file) { return survey_stl(file); });
+    m.def("read_solids", [](const py::bytes& file) { return read_solids(file); });
     m.def("fault_codes", &all_faults);
     m.def("kind_words", &kind_words);
 }

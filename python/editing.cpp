@@ -34,10 +34,7 @@ bool is_list(call& c, py::handle value, std::string_view name)
         if (py::len(value) == 0) return false;
         return !py::isinstance<py::sequence>(value[py::int_(0)]) && !py::isinstance<py::array>(value[py::int_(0)]);
     }
-    const py::array given = py::array::ensure(value);
-    if (given) return given.ndim() == 1;
-    PyErr_Clear();
-    c.refuse(name, "is no array");
+    return c.array(value, name).ndim() == 1;
 }
 
 py::array unique_indices(py::handle ids, py::handle exclude, py::handle to)

@@ -44,12 +44,14 @@ py::object rotate(py::handle pos, py::handle centre, py::handle rotation, py::ha
                        [&](auto& points, auto&... where) { return lib::rotate(points, fixed, turn, where...); });
 }
 
-py::object zoom(py::handle pos, py::handle centre, double factor, py::handle nodes, py::handle connect, py::handle out)
+py::object zoom(py::handle pos, py::handle centre, py::handle factor, py::handle nodes, py::handle connect,
+                py::handle out)
 {
     call c("zoom");
     const auto fixed = c.point(centre, "centre");
+    const double scale = c.real(factor, "factor");
     return transformed(c, pos, nodes, connect, out,
-                       [&](auto& points, auto&... where) { return lib::zoom(points, fixed, factor, where...); });
+                       [&](auto& points, auto&... where) { return lib::zoom(points, fixed, scale, where...); });
 }
 
 template <std::size_t N>

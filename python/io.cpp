@@ -45,9 +45,17 @@ std::unique_ptr<std::FILE, close_stream> stream_of(call& c, py::handle file)
     return stream;
 }
 
-py::tuple vtk_convert(py::handle connect, py::handle type, index cell_count, py::handle cells, py::handle cell_types)
+index count_of(const call& c, py::handle cells)
+{
+    const index count = c.number(cells, "cell_count");
+    if (count == zeb::NONE_INDEX) c.refuse("cell_count", "is negative");
+    return count;
+}
+
+py::tuple vtk_convert(py::handle connect, py::handle type, py::handle count, py::handle cells, py::handle cell_types)
 {
     call c("vtk_convert");
+    index cell_count = count_of(c, count);
     const auto elements = c.matrix<index>(connect, "connect");
     const auto kind = c.type(type, "type");
     auto stream = c.optional_vector<index>(cells, "cells");
@@ -56,10 +64,11 @@ py::tuple vtk_convert(py::handle connect, py::handle type, index cell_count, py:
     return py::make_tuple(cell_count, handed_over(std::move(stream)), handed_over(std::move(codes)));
 }
 
-void vtk_output_cells(py::handle file, bool is_name, py::handle pos, index cell_count, py::handle cells,
+void vtk_output_cells(py::handle file, bool is_name, py::handle pos, py::handle count, py::handle cells,
                       py::handle cell_types)
 {
     call c("vtk_output/cells");
+    const index cell_count = count_of(c, count);
     const auto points = c.matrix<double>(pos, "pos");
     const auto list = c.vector<index>(cells, "cells");
     const auto codes = c.vector<index>(cell_types, "cell_types");

@@ -34,20 +34,19 @@ plane basis(call& c, py::handle value)
 // Three packed values are a tensor of the plane, six of space.
 std::vector<double> packed(call& c, py::handle value, std::string_view name)
 {
-    const py::array given = py::array::ensure(value);
-    if (!given) {
-        PyErr_Clear();
-        c.refuse(name, "is no array");
-    }
+    const py::array given = c.array(value, name);
     if (given.ndim() != 1 || (given.size() != 3 && given.size() != 6))
         c.refuse(name, "is no packed tensor of 3 or 6 numbers");
     return c.numbers(given, static_cast<std::size_t>(given.size()), name);
 }
 
-py::array metric_iso_to_aniso(double h, int dimension)
+py::array metric_iso_to_aniso(py::handle size, py::handle dimension)
 {
-    if (dimension != 2 && dimension != 3) call("metric_iso_to_aniso").refuse("dimension", "is neither 2 nor 3");
-    if (dimension == 2) {
+    call c("metric_iso_to_aniso");
+    const double h = c.real(size, "h");
+    const index columns = c.number(dimension, "dimension");
+    if (columns != 2 && columns != 3) c.refuse("dimension", "is neither 2 nor 3");
+    if (columns == 2) {
         tensor<2> M;
         lib::metric_iso_to_aniso(h, M);
         return array_from(M);
@@ -57,11 +56,11 @@ py::array metric_iso_to_aniso(double h, int dimension)
     return array_from(M);
 }
 
-py::array metric_iso_to_aniso2d(double h, py::handle B)
+py::array metric_iso_to_aniso2d(py::handle h, py::handle B)
 {
     call c("metric_iso_to_aniso2d");
     tensor<2> M;
-    lib::metric_iso_to_aniso2d(h, basis(c, B), M);
+    lib::metric_iso_to_aniso2d(c.real(h, "h"), basis(c, B), M);
     return array_from(M);
 }
 

@@ -38,11 +38,7 @@ bool check_ids(py::handle ids, py::handle n, py::handle type)
 {
     call c("check_IDs");
     const index bound = c.number(n, "n");
-    const py::array given = py::array::ensure(ids);
-    if (!given) {
-        PyErr_Clear();
-        c.refuse("ids", "is no array");
-    }
+    const py::array given = c.array(ids, "ids");
     if (given.ndim() == 1 && type.is_none()) {
         const auto list = c.vector<index>(given, "ids");
         return c.run([&] { return lib::check_IDs(list, bound); });

@@ -12,9 +12,10 @@ namespace {
 
 // -- merge
 
-py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, double tolerance)
+py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, py::handle within)
 {
     call c("merge/nodes");
+    const double tolerance = c.real(within, "tolerance");
     const auto points = c.matrix<double>(pos, "pos");
     const auto kept = c.vector<index>(nodes1, "nodes");
     const auto others = nodes2.is_none() ? kept.sub_vector(0, kept.size) : c.vector<index>(nodes2, "nodes2");
@@ -23,9 +24,10 @@ py::tuple merge_nodes(py::handle pos, py::handle nodes1, py::handle nodes2, doub
     return py::make_tuple(handed_over(std::move(new_ids)), merged);
 }
 
-py::tuple merge_connect(py::handle pos, py::handle connect, double tolerance, py::handle mode, py::handle out)
+py::tuple merge_connect(py::handle pos, py::handle connect, py::handle within, py::handle mode, py::handle out)
 {
     call c("merge/connect");
+    const double tolerance = c.real(within, "tolerance");
     auto elements = changed_connectivity(c, connect, out);
     const auto points = c.matrix<double>(pos, "pos");
     const index how = c.number(mode, "mode");
@@ -37,9 +39,10 @@ py::tuple merge_connect(py::handle pos, py::handle connect, double tolerance, py
     return py::make_tuple(result_of(std::move(elements)), handed_over(std::move(new_ids)), merged);
 }
 
-py::tuple merge_pos(py::handle pos, double tolerance, py::handle out)
+py::tuple merge_pos(py::handle pos, py::handle within, py::handle out)
 {
     call c("merge/pos");
+    const double tolerance = c.real(within, "tolerance");
     auto points = c.changed_matrix<double>(pos, out, "pos");
     // The library gives the result a buffer of its own: `out` takes it from there.
     const dense2D<double> target = points.values.sub_matrix(0, 0, points.values.rows, points.values.cols);
@@ -53,6 +56,14 @@ py::tuple merge_pos(py::handle pos, double tolerance, py::handle out)
 }
 
 // -- node_detector
+
+// Coordinates that a detector refers to, and the objects that they lie in: handed on together, so that neither can
+// outlive the other whatever threads do.
+struct searched_points {
+    dense2D<double> matrix;
+    bool exclusive = true;  // no other Python object can change them
+    std::vector<py::object> kept;
+};
 
 // A detector with the coordinates that it refers to. Queries may run at the same time; what changes it runs alone. The
 // mutex is only taken for as long as the interpreter's lock is not waited for, so that the two cannot block each other.
@@ -74,10 +85,8 @@ private:
 
     mutable std::shared_mutex mutex_;
     lib::node_detector searched_;
-    std::shared_ptr<dense2D<double>> points_;  // at a place that does not change
+    std::shared_ptr<searched_points> points_;  // at a place that does not change
     bool has_tree_ = false;
-    bool exclusive_points_ = true;  // no other Python object can change them
-    std::vector<py::object> kept_;
 };
 
 // Code of the library; the tree is the detector's own afterwards also where it is not replaced.
@@ -92,36 +101,35 @@ int build(lib::node_detector& searched, const dense2D<double>& points, const den
 void detector::reinit(py::handle pos, py::handle nodes, py::handle connect)
 {
     call c(connect.is_none() ? "NodeDetector" : "NodeDetector/connect");
-    auto points = std::make_shared<dense2D<double>>(c.matrix<double>(pos, "pos"));
-    const bool exclusive_points = c.exclusive();
+    auto points = std::make_shared<searched_points>();
+    dense2D<double> matrix = c.matrix<double>(pos, "pos");
+    points->matrix.swap(matrix);  // an assignment would copy what lies in memory of others
+    points->exclusive = c.exclusive();
+    points->kept = c.kept();
     const auto list = c.optional_vector<index>(nodes, "nodes");
     auto elements = connect.is_none() ? connectivities() : c.connectivity(connect, "connect");
     const int code = c.run([&] {
         const std::unique_lock alone(mutex_);
-        const int result =
-            build(searched_, *points, nodes.is_none() ? nullptr : &list, connect.is_none() ? nullptr : &elements);
+        const int result = build(searched_, points->matrix, nodes.is_none() ? nullptr : &list,
+                                 connect.is_none() ? nullptr : &elements);
         if (result == 0) {
-            points_.swap(points);
-            exclusive_points_ = exclusive_points;
+            points_.swap(points);  // the old ones go with the interpreter's lock held
             has_tree_ = true;
         } else if (nodes.is_none() && connect.is_none()) {
             has_tree_ = false;
         }
         return result;
     });
-    if (code == 0) kept_ = c.kept();
     c.translate(code);
 }
 
 void detector::clear()
 {
-    {
-        const std::unique_lock alone(mutex_);
-        searched_.clear();
-        has_tree_ = false;
-        points_.reset();
-    }
-    kept_.clear();
+    std::shared_ptr<searched_points> points;  // goes last: an object that is let go of may call back
+    const std::unique_lock alone(mutex_);
+    searched_.clear();
+    has_tree_ = false;
+    points_.swap(points);
 }
 
 std::unique_ptr<detector> detector::copy() const
@@ -132,8 +140,6 @@ std::unique_ptr<detector> detector::copy() const
     if (other->searched_.size() != searched_.size()) throw std::bad_alloc();
     other->points_ = points_;
     other->has_tree_ = has_tree_;
-    other->exclusive_points_ = exclusive_points_;
-    other->kept_ = kept_;
     return other;
 }
 
@@ -145,7 +151,7 @@ unsigned long detector::size() const
 
 unsigned long detector::insert(py::handle nodes, py::handle connect)
 {
-    call c("NodeDetector");
+    call c("NodeDetector.insert");
     dense1D<index> list = c.optional_vector<index>(nodes, "nodes");
     if (!connect.is_none()) {
         auto elements = c.connectivity(connect, "connect");
@@ -155,7 +161,7 @@ unsigned long detector::insert(py::handle nodes, py::handle connect)
     }
     const std::unique_lock alone(mutex_);
     if (!has_tree_) return 0;
-    const auto valid = std::count_if(list.begin(), list.end(), [&](index node) { return node < points_->cols; });
+    const auto valid = std::count_if(list.begin(), list.end(), [&](index node) { return node < points_->matrix.cols; });
     const unsigned long inserted = searched_.insert(list);
     if (inserted != static_cast<unsigned long>(valid)) throw std::bad_alloc();
     return inserted;
@@ -166,8 +172,9 @@ void detector::query(call& c, F f) const
 {
     const bool done = c.run([&] {
         const std::shared_lock together(mutex_);
-        if (exclusive_points_) f();
-        return exclusive_points_;
+        const bool exclusive = points_ == nullptr || points_->exclusive;
+        if (exclusive) f();
+        return exclusive;
     });
     if (done) return;
     const std::shared_lock together(mutex_);
@@ -182,11 +189,7 @@ bool is_one(const py::array& array)
 // One point or rows of points, 2 or 3 numbers each.
 dense2D<double> points_of(call& c, py::handle value, std::string_view name, bool& one)
 {
-    py::array given = py::array::ensure(value);
-    if (!given) {
-        PyErr_Clear();
-        c.refuse(name, "is no array");
-    }
+    py::array given = c.array(value, name);
     one = is_one(given);
     if (one) given = given.attr("reshape")(1, -1);
     dense2D<double> points = c.matrix<double>(given, name);
@@ -256,7 +259,8 @@ py::object detector::in_box(py::handle lower, py::handle upper) const
     bool one = false, one_upper = false;
     const auto low = points_of(c, lower, "lower", one);
     const auto high = points_of(c, upper, "upper", one_upper);
-    if (low.rows != high.rows || low.cols != high.cols) c.refuse("upper", "has not the shape of lower");
+    if (one != one_upper || low.rows != high.rows || low.cols != high.cols)
+        c.refuse("upper", "has not the shape of lower");
     dense1D<index> found;
     py::array_t<std::int64_t> offsets(detail::count(low.cols + 1));
     std::int64_t* ends = offsets.mutable_data();

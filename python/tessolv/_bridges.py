@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 import os
+from contextlib import contextmanager
 from pathlib import Path
-from typing import Any, Dict, List, Mapping, NamedTuple, Optional, Union
+from typing import Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Union
 
 import numpy as np
 from numpy.typing import NDArray
@@ -31,6 +32,8 @@ class Parts(NamedTuple):
 
 def parts_of_meshio(mesh: Any) -> Parts:
     """A `meshio.Mesh` in the numbering of the library; blocks of one kind become one."""
+    if not all(hasattr(mesh, name) for name in ("points", "cells", "point_data", "cell_data")):
+        raise Error("from_meshio", None, "mesh", "is no meshio.Mesh")
     blocks: Dict[ElementType, List[int]] = {}
     for i, block in enumerate(mesh.cells):
         if block.type not in _KINDS:
@@ -62,7 +65,8 @@ def to_meshio(mesh: MeshData) -> Any:
         name: [_filled(values, type, len(connect)) for type, connect in mesh.cells.items()]
         for name, values in mesh.cell_data.items()
     }
-    return meshio.Mesh(np.array(mesh.points), cells, dict(mesh.point_data), cell_data)
+    point_data = {name: np.array(values) for name, values in mesh.point_data.items()}
+    return meshio.Mesh(np.array(mesh.points), cells, point_data, cell_data)
 
 
 def to_pyvista(mesh: MeshData) -> Any:
@@ -72,7 +76,7 @@ def to_pyvista(mesh: MeshData) -> Any:
     cells, codes, points = vtk_arrays(mesh)
     grid = pyvista.UnstructuredGrid(cells, codes, points)
     for name, values in mesh.point_data.items():
-        grid.point_data[name] = values
+        grid.point_data[name] = np.array(values)
     for name, fields in mesh.cell_data.items():
         grid.cell_data[name] = np.concatenate([_filled(fields, t, len(c)) for t, c in mesh.cells.items()])
     return grid
@@ -95,26 +99,35 @@ def vtk_arrays(mesh: MeshData) -> Any:
     return np.concatenate(cells), np.concatenate(codes), points
 
 
+def _parts_of_stl(path: Path) -> Parts:
+    survey = _tessolv.survey_stl(os.fsencode(path))
+    is_text, in_file, read, solids = survey or (True, 0, 0, 1)
+    if solids > 1:  # of which the library's reader takes the first
+        pos, connect, in_file, read = _tessolv.read_solids(os.fsencode(path))
+    else:
+        pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
+    if survey is None:
+        raise Error("read", None, "file", "is no STL file, neither text nor binary")
+    kept = len(connect)
+    facets = Facets(max(in_file, kept), max(read, kept), kept)
+    return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+
+
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
     """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
-    path = Path(file)
+    path = _path("read", file)
     ending = path.suffix.lower()
     if ending == ".stl":
-        # What cannot be told is left to the reader, which says what is wrong.
-        is_text, in_file, read = _tessolv.survey_stl(os.fsencode(path)) or (True, 0, 0)
-        pos, connect = STL_input(path, is_text)
-        kept = len(connect)
-        facets = Facets(max(in_file, kept), max(read, kept), kept)
-        return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+        return _parts_of_stl(path)
     if ending == ".obj":
         part = WavefrontOBJ_input(path)
         faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}
         return Parts(part.pos, {int(type): connect for type, connect in faces.items() if len(connect)})
     import meshio
 
-    if ending == ".msh" and _is_of_gmsh(path):
-        return parts_of_meshio(meshio.read(path, file_format="gmsh"))
-    return parts_of_meshio(meshio.read(path))
+    with _refusals_of_meshio("read"):
+        mesh = meshio.read(path, file_format="gmsh" if ending == ".msh" and _is_of_gmsh(path) else None)
+    return parts_of_meshio(mesh)
 
 
 def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
@@ -124,9 +137,17 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
         file: its name.
         mesh: what to write; wedges stand in a file as meshio has them, whatever the format.
     """
-    path = Path(file)
-    if path.suffix.lower() != ".stl":
-        to_meshio(mesh).write(path, file_format=_gmsh_version(mesh) if path.suffix.lower() == ".msh" else None)
+    path = _path("write", file)
+    ending = path.suffix.lower()
+    if ending != ".stl":
+        all_fields = to_meshio(mesh)
+        with _refusals_of_meshio("write"):
+            if ending == ".msh":
+                # The later version would give all elements of a kind the tags of the first one.
+                all_fields.point_data.pop("gmsh:dim_tags", None)
+                all_fields.write(path, file_format="gmsh22")
+            else:
+                all_fields.write(path)
         return
     others = [type.name for type, connect in mesh.cells.items() if type != ElementType.TRIA3 and len(connect)]
     if others:
@@ -134,9 +155,24 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
     STL_output(path, mesh.points, mesh.cells.get(ElementType.TRIA3, np.empty((0, 3), np.uint32)), ascii=False)
 
 
-def _gmsh_version(mesh: MeshData) -> str:
-    """Left to itself meshio would write .msh as another program does; the later version asks for Gmsh's own fields."""
-    return "gmsh" if len(mesh.cells) == 1 or "gmsh:dim_tags" in mesh.point_data else "gmsh22"
+def _path(function: str, file: Any) -> Path:
+    try:
+        return Path(os.fsdecode(file))
+    except TypeError:
+        raise Error(function, None, "file", "is no file name") from None
+
+
+@contextmanager
+def _refusals_of_meshio(function: str) -> Iterator[None]:
+    """What meshio raises becomes an `Error`; it would even end the program over a file that it cannot read."""
+    try:
+        yield
+    except (Error, ImportError, MemoryError):
+        raise
+    except SystemExit:
+        raise Error(function, None, "file", "meshio cannot read it, and has printed why") from None
+    except Exception as problem:
+        raise Error(function, None, "file", f"meshio: {type(problem).__name__}: {problem}") from problem
 
 
 def _is_of_gmsh(path: Path) -> bool:
@@ -146,7 +182,7 @@ def _is_of_gmsh(path: Path) -> bool:
 
 def _filled(values: Any, type: ElementType, count: int) -> NDArray[Any]:
     if type in values:
-        return np.asarray(values[type])
+        return np.array(values[type])
     like = next(iter(values.values()))
     shape = (count, *like.shape[1:])
     return np.zeros(shape, like.dtype) if like.dtype.kind in "iub" else np.full(shape, np.nan, like.dtype)

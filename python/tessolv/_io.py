@@ -9,6 +9,7 @@ from numpy.typing import ArrayLike
 
 from . import _tessolv
 from ._conventions import Connectivities, Indices, Points, Types
+from ._errors import Error
 
 FileName = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
@@ -38,6 +39,13 @@ class WavefrontOBJ(NamedTuple):
     quad_connect: Indices
 
 
+def _three(function: str, argument: str, cells: Any) -> Cells:
+    try:
+        return Cells(*cells)
+    except TypeError:
+        raise Error(function, None, argument, "is no Cells") from None
+
+
 def vtk_convert(connect: ArrayLike, type: int, to: Optional[Cells] = None) -> Cells:
     """The cells of the VTK legacy format that stand for elements.
 
@@ -54,7 +62,7 @@ def vtk_convert(connect: ArrayLike, type: int, to: Optional[Cells] = None) -> Ce
     >>> vtk_convert([[0, 1, 2, 3]], 12).cells.tolist()
     [4, 0, 1, 3, 2]
     """
-    before = Cells(0, None, None) if to is None else to  # type: ignore[arg-type]
+    before = Cells(0, None, None) if to is None else _three("vtk_convert", "to", to)  # type: ignore[arg-type]
     return Cells(*_tessolv.vtk_convert(connect, type, *before))
 
 
@@ -81,7 +89,7 @@ def vtk_output(
     """
     if cells is not None:
         is_name = isinstance(file, (str, bytes, os.PathLike))
-        _tessolv.vtk_output_cells(file, is_name, pos, *cells)
+        _tessolv.vtk_output_cells(file, is_name, pos, *_three("vtk_output", "cells", cells))
     elif connect is None or type is None:
         raise TypeError("vtk_output: either connect and type or cells")
     else:

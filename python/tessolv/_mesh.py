@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import operator
 import os
 from typing import Any, Dict, Iterable, List, Mapping, NamedTuple, Optional, Tuple, Union
 
@@ -99,10 +100,19 @@ class Mesh(MeshData):
         """An SVG drawing of the visible faces, coloured by quality: see `tessolv.Mesh.quality`.
 
         Args:
-            width: in pixels.
-            direction: from the mesh to the eye.
+            width: in pixels, from 16 on.
+            direction: from the mesh to the eye, three numbers.
         """
-        return _picture.draw(self, width, np.asarray(direction, dtype=float))
+        try:
+            eye = np.asarray(direction, dtype=float)
+            wide = operator.index(width)
+        except (TypeError, ValueError) as problem:
+            raise Error("Mesh.picture", None, "width or direction", f"cannot be used: {problem}") from None
+        if wide < 16:
+            raise Error("Mesh.picture", None, "width", "is below 16")
+        if eye.shape != (3,) or not np.isfinite(eye).all() or not eye.any():
+            raise Error("Mesh.picture", None, "direction", "is no direction in space")
+        return _picture.draw(self, wide, eye)
 
     def box(self) -> BoundingBox:
         """The box of all points."""
@@ -138,6 +148,12 @@ class Mesh(MeshData):
 
     def worst(self, count: int = 10) -> WorstElements:
         """The elements of the least quality; those that are not a number come first."""
+        try:
+            count = operator.index(count)
+        except TypeError:
+            raise Error("Mesh.worst", None, "count", "is no integer") from None
+        if count < 0:
+            raise Error("Mesh.worst", None, "count", "is negative")
         found: List[Worst] = []
         for type, values in self.quality().items():
             order = np.where(np.isnan(values), -np.inf, values)
@@ -192,6 +208,8 @@ class Mesh(MeshData):
     def boundary(self) -> "Mesh":
         """Faces of the elements of highest dimension that have no neighbour; corners only."""
         top = self._top_kinds()
+        if not top:
+            return Mesh(self.points[:0], {})
         if set(top) & set(_SURFACES):
             return self._surface_boundary(top)
         if len(top) != 1:

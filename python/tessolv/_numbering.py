@@ -84,10 +84,22 @@ _ORDERS: Dict[str, Dict[E, List[int]]] = {
 CONVENTIONS: Tuple[str, ...] = tuple(_ORDERS)
 
 
-def _order(function: str, type: int, convention: str) -> Optional[List[int]]:
-    if convention not in _ORDERS:
+def _checked(function: str, connect: ArrayLike, type: int, convention: str) -> Tuple[NDArray[Any], Optional[List[int]]]:
+    """The elements as an array, and the order of their nodes elsewhere if it is another one."""
+    if convention not in CONVENTIONS:
         raise Error(function, None, "convention", f"is none of {', '.join(CONVENTIONS)}")
-    return _ORDERS[convention].get(E(type))
+    try:
+        kind = E(type)
+        elements = np.asarray(connect)
+    except ValueError as problem:
+        raise Error(function, None, "connect or type", str(problem)) from None
+    if kind.nodes == 0:
+        raise Error(function, None, "type", f"{kind.name} is a mixed kind")
+    if elements.shape == (0,):
+        elements = elements.reshape(0, kind.nodes)
+    if elements.ndim != 2 or elements.shape[1] != kind.nodes:
+        raise Error(function, None, "connect", f"has the shape {elements.shape} instead of (n, {kind.nodes})")
+    return elements, _ORDERS[convention].get(kind)
 
 
 def to_numbering(connect: ArrayLike, type: int, convention: str) -> NDArray[Any]:
@@ -101,8 +113,7 @@ def to_numbering(connect: ArrayLike, type: int, convention: str) -> NDArray[Any]
     >>> to_numbering([[0, 1, 2, 3]], 12, "vtk").tolist()
     [[0, 1, 3, 2]]
     """
-    order = _order("to_numbering", type, convention)
-    elements = np.asarray(connect)
+    elements, order = _checked("to_numbering", connect, type, convention)
     return elements if order is None else elements[:, order]
 
 
@@ -117,6 +128,5 @@ def from_numbering(connect: ArrayLike, type: int, convention: str) -> NDArray[An
     >>> from_numbering(to_numbering([[0, 1, 2, 3]], 12, "gmsh"), 12, "gmsh").tolist()
     [[0, 1, 2, 3]]
     """
-    order = _order("from_numbering", type, convention)
-    elements = np.asarray(connect)
+    elements, order = _checked("from_numbering", connect, type, convention)
     return elements if order is None else elements[:, np.argsort(order)]

@@ -69,7 +69,8 @@ def _projection(points: NDArray[np.float64], direction: NDArray[np.float64]) -> 
     """Right, up and towards the eye."""
     if points.shape[1] == 2:
         return np.column_stack([points, np.zeros(len(points))])
-    depth = direction / np.linalg.norm(direction)
+    depth = direction / np.abs(direction).max()
+    depth = depth / np.linalg.norm(depth)
     right = np.cross([0.0, 0.0, 1.0], depth)
     right = np.array([1.0, 0.0, 0.0]) if np.linalg.norm(right) < 1e-12 else right / np.linalg.norm(right)
     axes = np.stack([right, np.cross(depth, right), depth])

@@ -164,6 +164,12 @@ class NodeDetector:
 
     __copy__ = copy
 
+    def __deepcopy__(self, memo: Any) -> "NodeDetector":
+        return self.copy()
+
+    def __repr__(self) -> str:
+        return f"<tessolv.NodeDetector: {len(self)} nodes>"
+
     def __len__(self) -> int:
         """Insertions that the tree holds; a node that was inserted twice counts twice."""
         return self._detector.size()

@@ -47,6 +47,8 @@ QUADRATIC[:, :4] = BIG.connect
         lambda: ts.NodeDetector(BIG.pos),
         lambda: ts.translate(BIG.pos, [1, 1, 1]),
         lambda: ts.simplify(BIG.pos, BIG.connect, raw=True),
+        lambda: ts.translate(BIG.pos, [0, 0, 0], out=BIG.pos),
+        lambda: ts.change_indices(BIG.connect, np.arange(3, dtype=np.uint32), out=BIG.connect),
         # The corners of a quadratic mesh: parts of rows are used where they are, too.
         lambda: ts.shape_qualities(BIG.pos, QUADRATIC[:, :4], BIG.type),
     ],
@@ -226,3 +228,54 @@ def test_arguments_that_lie_in_out_are_read_as_they_were():
     assert ts.get_ancestors(both[:4].reshape(2, 2), both[2:], out=both[2:]).tolist() == wanted == [0, 0, 1, 1]
     both = np.array([0, 1, 1, 0], dtype=np.uint32)
     assert ts.get_ancestors(both.reshape(2, 2), both, out=both).tolist() == [1, 1, 1, 0]
+
+
+def test_out_may_be_any_of_the_arguments():
+    table = np.array([2, 0, 1], dtype=np.uint32)
+    assert ts.change_indices([0, 1, 2], table, out=table).tolist() == [2, 0, 1]
+    places = np.array([1, 2, 0], dtype=np.uint32)
+    assert ts.permutation([10, 20, 30], places, out=places).tolist() == [30, 10, 20]
+    defaults = np.array([5, 6, 7], dtype=np.float32)
+    sizes = np.array([0, -1, 3], dtype=np.float32)
+    assert ts.overwrite_invalid_metrics(sizes, defaults, out=defaults).tolist() == [5, 6, 3]
+    connect = np.array([[0, 1, 2], [1, 4, 2]], dtype=np.uint32)
+    none = np.full(5, ts.NONE_INDEX, dtype=np.uint32)
+    wanted = ts.get_ancestors(connect, none, raw=True).tolist()
+    assert ts.get_ancestors(connect, none, out=connect.ravel()[:5]).tolist() == wanted
+
+
+def test_out_of_several_may_be_one_another():
+    pos = np.array([[0, 0], [1, 0], [1, 1e-9], [2, 0.0]])
+    first, second = np.array([[0, 1], [1, 2]], np.uint32), np.array([[2, 3], [3, 0]], np.uint32)
+    wanted = [connect.tolist() for connect in ts.merge(pos, [first, second]).connect]
+    with pytest.raises(ts.Error) as caught:
+        ts.merge(pos, [first, second], out=[first, first])
+    assert caught.value.argument == "out" and first.tolist() == [[0, 1], [1, 2]]
+    swapped = ts.merge(pos, [first, second], out=[second, first]).connect
+    assert swapped[0] is second and [connect.tolist() for connect in swapped] == wanted
+
+
+def test_out_stays_as_it_was_when_an_argument_is_refused():
+    out = np.array([7, 7, 7], dtype=np.uint32)
+    with pytest.raises(ts.Error):
+        ts.permutation([1, 2, 3], [1, -5, 0], out=out)
+    assert out.tolist() == [7, 7, 7]
+
+
+def test_a_list_of_rows_is_one_array():
+    pos, rows = [[0, 0], [0, 0], [1, 0]], [np.array([0, 2]), np.array([1, 2])]
+    assert ts.merge(pos, rows, 0.1).connect.tolist() == [[0, 2], [0, 2]]
+    assert ts.simplify(pos, rows).connect.tolist() == [[0, 2], [1, 2]]
+
+
+class Interrupting:
+    def __array__(self, *_):
+        raise KeyboardInterrupt
+
+
+@pytest.mark.parametrize(
+    "f", [lambda x: ts.get_neighbors(x, 6), lambda x: ts.check_IDs(x, 3), ts.NodeDetector([[0, 0]]).closest, ts.eigen_pairs]
+)
+def test_an_interrupt_is_no_refusal(f):
+    with pytest.raises(KeyboardInterrupt):
+        f(Interrupting())

@@ -200,9 +200,19 @@ def test_surfaces_of_stl_files_are_judged_as_by_the_program(tmp_path):
         assert (verdict.parts, verdict.is_clean) == (theirs["parts"], theirs["verdict"] == "clean"), path
 
 
+def test_all_solids_of_an_stl_text_are_read(tmp_path):
+    solids = [f"  SOLID {k}\r\n{FACET.format(k, 1)}endsolid {k}\n" for k in range(3)]
+    (tmp_path / "three.stl").write_text("".join(solids))
+    mesh = ts.Mesh.read(tmp_path / "three.stl")
+    assert mesh.facets == (3, 3, 3)
+    assert sorted(mesh.points[:, 2]) == [0, 0, 0, 1, 1, 1, 2, 2, 2]
+    (tmp_path / "bad.stl").write_text(f"solid\n{FACET.format(0, 1)}endsolid\nsolid\nfacet normal x\nendsolid\n")
+    assert ts.Mesh.read(tmp_path / "bad.stl").facets == (2, 1, 1)
+
+
 def test_what_is_cut_out_of_a_surface_is_open_by_intent(tmp_path):
-    (tmp_path / "two.stl").write_text(f"solid\n{FACET.format(0, 1)}endsolid\nsolid\n{FACET.format(1, 1) * 2}endsolid\n")
-    mesh = ts.Mesh.read(tmp_path / "two.stl")
+    (tmp_path / "odd.stl").write_text(f"solid\n{FACET.format(0, 1)}what?\n{FACET.format(1, 1) * 2}endsolid\n")
+    mesh = ts.Mesh.read(tmp_path / "odd.stl")
     assert mesh.facets == (3, 1, 1)
     fault = mesh.check().fault("not_read")
     assert fault and (fault.count, fault.text) == (2, "2 facets not read")

@@ -31,6 +31,11 @@ def test_docstrings_run(name):
     assert result.failed == 0
 
 
+def test_the_docstring_of_the_compiled_class_runs():
+    found = doctest.DocTestParser().get_doctest(ts.Histogram.__doc__ or "", vars(ts).copy(), "Histogram", None, None)
+    assert len(found.examples) == 3 and doctest.DocTestRunner().run(found).failed == 0
+
+
 def test_every_operation_of_the_headers_is_here():
     headers = "".join(path.read_text() for path in sorted((ROOT / "include" / "tessolv").glob("*.h")))
     names = set(re.findall(r"^TESSOLV_API [\w *]+\b(\w+)\(", headers, re.MULTILINE))
@@ -51,6 +56,20 @@ def test_every_public_function_and_its_arguments_are_explained():
         assert text, name
         for parameter in inspect.signature(item).parameters:
             assert re.search(rf"\b{parameter}\b", text), f"{name}: {parameter}"
+
+
+def test_every_public_class_is_explained_and_in_the_reference():
+    text = (DOCS / "reference.md").read_text()
+    for name in ts.__all__:
+        item = getattr(ts, name)
+        if not callable(item):
+            continue
+        assert f"\n### {name}\n" in text, name
+        members = vars(item).items() if inspect.isclass(item) and not hasattr(item, "_fields") else ()
+        for member, value in members:
+            if not member.startswith("_") and (callable(value) or isinstance(value, property)):
+                assert inspect.getdoc(value), f"{name}.{member}"
+        assert not inspect.isclass(item) or inspect.getdoc(item), name
 
 
 def test_named_codes_are_those_of_the_table():

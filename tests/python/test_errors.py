@@ -150,6 +150,21 @@ REFUSED_EARLIER = {
     "no histogram": lambda: ts.shape_qualities(P3, T3, 6, 3),  # type: ignore[call-overload]
     "a bad tensor": lambda: ts.eigen_pairs([1, 2]),
     "a bad dimension": lambda: ts.metric_iso_to_aniso(1, 4),
+    "a broken dimension": lambda: ts.metric_iso_to_aniso(1, 2.5),  # type: ignore[arg-type]
+    "a size in words": lambda: ts.metric_iso_to_aniso("one"),  # type: ignore[arg-type]
+    "a tolerance in words": lambda: ts.merge(P3, T3, "near"),  # type: ignore[call-overload]
+    "no factor": lambda: ts.zoom(P3, [0, 0, 0], None),  # type: ignore[arg-type]
+    "a type without an axis, in a list": lambda: ts.shape_qualities(P3, [T3, T3], np.array(30)),  # type: ignore[call-overload]
+    "cells of one number": lambda: ts.vtk_convert(T3, 6, to=3),  # type: ignore[arg-type]
+    "a negative number of cells": lambda: ts.vtk_convert(T3, 6, to=ts.Cells(-1, T3[0], T3[0])),
+    "a negative number of bins": lambda: ts.Histogram(0, 1, -3),
+    "a bound in words": lambda: ts.Histogram("low"),  # type: ignore[arg-type]
+    "boxes of one corner": lambda: ts.NodeDetector(P3).in_box([0, 0, 0], [[1, 1, 1]]),
+    "an insertion of one number": lambda: ts.NodeDetector(P3).insert(1),
+    "five columns of tetrahedra": lambda: ts.to_numbering([[0, 1, 2, 3, 4]], ts.EL_TETRA4, "vtk"),
+    "tetrahedra without an axis": lambda: ts.from_numbering([0, 1, 2, 3], ts.EL_TETRA4, "vtk"),
+    "the numbering of no type": lambda: ts.to_numbering(T3, 99, "vtk"),
+    "the numbering of a mixed kind": lambda: ts.to_numbering(T3, ts.EL_FACE_MIX, "vtk"),
 }
 
 

@@ -48,6 +48,7 @@ CALLS = {
     "copy_mesh": lambda: ts.copy_mesh(pos, connect),
     "remove_degenerated": lambda: ts.remove_degenerated(connect),
     "shape_qualities": lambda: ts.shape_qualities(pos, lines, 3),
+    "Histogram": lambda: ts.Histogram(0, 1, 4 * n),
     "edge_lengths": lambda: ts.edge_lengths(pos, lines),
     "edge_qualities": lambda: ts.edge_qualities(pos, lines, 3, sizes),
     "metrics_iso_to_aniso2d": lambda: ts.metrics_iso_to_aniso2d(sizes, bases),
@@ -84,6 +85,8 @@ def test_one_huge_index_takes_no_memory(tmp_path):
             ts.shape_qualities(np.zeros((3, 3)), np.empty((2**31, 0), np.uint32), ts.EL_TRIA3)
         with pytest.raises(MemoryError):
             ts.translate(np.broadcast_to(np.zeros((1, 3)), (2**31, 3)), [1, 0, 0])
+        with pytest.raises(MemoryError):
+            ts.Histogram(0, 1, 2**32 - 2)
 
 
 @pytest.mark.skipif(not sys.platform.startswith("linux"), reason="limits of the address space")

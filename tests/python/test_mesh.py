@@ -1,5 +1,7 @@
 """Meshes as objects, the numbering of others, and files that Gmsh wrote."""
 
+import copy
+import pickle
 import shutil
 import subprocess
 import sys
@@ -112,6 +114,9 @@ def test_an_unknown_convention_or_kind_is_refused():
     with pytest.raises(ts.Error) as caught:
         ts.from_meshio(meshio.Mesh(np.zeros((5, 3)), [("line4", np.zeros((1, 4), int))]))
     assert "line4" in caught.value.reason
+    with pytest.raises(ts.Error) as caught:
+        ts.from_meshio("solids.msh")
+    assert caught.value.argument == "mesh"
 
 
 def corner_volumes(P, faces):
@@ -318,3 +323,92 @@ def test_pyvista_gets_cells_in_the_numbering_of_vtk(monkeypatch):
     np.testing.assert_array_equal(there.cell_data["q"], [0.5, np.nan])
     wedge = Mesh(np.zeros((6, 3)), {ts.EL_WEDGE6: [[0, 1, 2, 3, 4, 5]]})
     assert wedge.to_pyvista().cells.tolist() == [6, 0, 2, 1, 3, 5, 4]
+
+
+WHAT_NO_MESH_HOLDS = {
+    "points without an axis": lambda: Mesh(3, {}),
+    "points of one axis": lambda: Mesh([1, 2, 3], {}),
+    "points of four columns": lambda: Mesh(np.zeros((3, 4)), {}),
+    "points of texts": lambda: Mesh([["a", "b"]], {}),
+    "complex points": lambda: Mesh(np.zeros((3, 3), complex), {}),
+    "ragged points": lambda: Mesh([[1, 2], [3]], {}),
+    "cells without kinds": lambda: Mesh(np.zeros((3, 3)), [[0, 1, 2]]),  # type: ignore[arg-type]
+    "cells of no kind": lambda: Mesh(np.zeros((3, 3)), {99: [[0, 1, 2]]}),
+    "ragged cells": lambda: Mesh(np.zeros((3, 3)), {6: [[0, 1, 2], [0]]}),
+    "fields without names": lambda: Mesh(np.zeros((3, 3)), {}, [1, 2, 3]),  # type: ignore[arg-type]
+    "a field of cells without kinds": lambda: Mesh(np.zeros((3, 3)), {}, {}, {"a": [1]}),  # type: ignore[dict-item]
+    "a field of cells that are not there": lambda: Mesh(np.zeros((3, 3)), {}, {}, {"a": {6: [1]}}),
+    "a negative number of the worst": lambda: Mesh([[0, 0]], {}).worst(-1),
+    "a width in words": lambda: Mesh([[0, 0]], {}).picture(width='1"><script>'),  # type: ignore[arg-type]
+    "a width of nothing": lambda: Mesh([[0, 0]], {}).picture(width=0),
+    "an eye in the mesh": lambda: Mesh([[0, 0]], {}).picture(direction=(0, 0, 0)),
+    "an eye in the plane": lambda: Mesh([[0, 0]], {}).picture(direction=(0, 1)),
+}
+
+
+@pytest.mark.parametrize("name", WHAT_NO_MESH_HOLDS)
+def test_what_no_mesh_holds_is_an_error(name):
+    with pytest.raises(ts.Error) as caught:
+        WHAT_NO_MESH_HOLDS[name]()
+    assert caught.value.function.startswith("Mesh") and caught.value.argument and caught.value.reason
+
+
+def test_the_first_bad_node_of_a_mesh_is_named():
+    with pytest.raises(ts.Error) as caught:
+        Mesh(np.zeros((3, 3)), {6: [[0, 1, 2], [0, 1, -1]]})
+    assert "[1, 2] = -1 " in caught.value.reason
+
+
+def test_nothing_of_a_mesh_changes():
+    field, texts = np.arange(3.0), np.array(["a", "b", "c"])
+    mesh = Mesh(np.zeros((3, 3)), {6: [[0, 1, 2]]}, {"x": field, "name": texts}, {"n": {6: [1]}})
+    field[0], texts[0] = 9, "z"
+    assert mesh.point_data["x"][0] == 0 and mesh.point_data["name"][0] == "a"
+    for again in (mesh, pickle.loads(pickle.dumps(mesh)), copy.copy(mesh), copy.deepcopy(mesh)):
+        assert ts.is_frozen(again.points) and ts.is_frozen(again.cells[ts.EL_TRIA3])
+        arrays = (again.points, again.point_data["x"], again.point_data["name"], again.cell_data["n"][ts.EL_TRIA3])
+        assert not any(array.flags.writeable for array in arrays)
+        assert again.point_data["x"].tolist() == [0, 1, 2] and repr(again) == repr(mesh)
+        for mapping in (again.cells, again.point_data, again.cell_data, again.cell_data["n"]):
+            with pytest.raises(TypeError):
+                mapping["x"] = field  # type: ignore[index]
+    mesh.to_meshio().point_data["x"][0] = 9
+    assert mesh.point_data["x"][0] == 0
+
+
+def test_nothing_has_an_empty_boundary():
+    assert Mesh([[0, 0]], {}).boundary().cells == {}
+    assert len(Mesh([[0, 0]], {6: []}, None, {"n": {6: []}}).boundary().points) == 0
+
+
+@pytest.mark.parametrize("text", ["", "nothing\nof\nthis kind\n"])
+@pytest.mark.parametrize("ending", [".vtu", ".vtk", ".msh", ".ply", ".off", ".xml", ".nas", ".stl"])
+def test_a_file_that_cannot_be_read_is_an_error(ending, text, tmp_path):
+    path = tmp_path / f"broken{ending}"
+    path.write_text(text)
+    for name in (path, tmp_path / f"missing{ending}"):
+        with pytest.raises(ts.Error):
+            Mesh.read(name)
+    with pytest.raises(ts.Error):
+        Mesh.read(None)  # type: ignore[arg-type]
+
+
+def test_what_a_format_cannot_hold_is_an_error(tmp_path):
+    mesh = Mesh.read(DATA / "linear.msh")
+    for name in ("mesh", "mesh.unheard", "mesh.obj", "mesh.inp"):
+        with pytest.raises(ts.Error) as caught:
+            mesh.write(tmp_path / name)
+        assert caught.value.function == "write"
+
+
+def test_what_gmsh_wrote_is_written_for_gmsh(gmsh_file, tmp_path):
+    mesh = Mesh.read(gmsh_file)
+    for one in (mesh, mesh.weld(1e-6), Mesh(mesh.points, {t: c for t, c in mesh.cells.items() if t == max(mesh.cells)})):
+        one.write(tmp_path / "again.msh")
+        again = Mesh.read(tmp_path / "again.msh")
+        np.testing.assert_allclose(again.points, one.points, rtol=1e-12)
+        assert list(again.cells) == list(one.cells)
+        for type, connect in one.cells.items():
+            np.testing.assert_array_equal(again.cells[type], connect)
+            for name, fields in one.cell_data.items():
+                np.testing.assert_array_equal(again.cell_data[name][type], fields[type])

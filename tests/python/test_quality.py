@@ -1,3 +1,5 @@
+import copy
+
 import numpy as np
 import pytest
 from hypothesis import given
@@ -129,3 +131,12 @@ def test_a_size_of_zero_ends_the_measures():
     lines = [[0, 1], [1, 2]]
     assert ts.edge_qualities(pos, lines, ts.EL_EDGE2, [1, 1, 0]).tolist() == [1.0]
     assert ts.edge_qualities(pos, lines, ts.EL_EDGE2, [1, 1]).tolist() == []
+
+
+def test_a_histogram_is_copied_and_shows_itself():
+    first = ts.Histogram(0, 1, 4)
+    first.process([0.1, 0.3])
+    second, third = copy.copy(first), copy.deepcopy(first)
+    second.process(0.9)
+    assert (first.count, second.count, third.count) == (2, 3, 2)
+    assert repr(first) == "<tessolv.Histogram: 2 values, mean 0.2>"

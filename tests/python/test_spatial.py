@@ -1,3 +1,4 @@
+import copy
 from typing import Any
 
 import numpy as np
@@ -171,3 +172,10 @@ def test_merge_needs_to_know_what_and_how_near():
     for arguments in wrong:
         with pytest.raises(TypeError):
             ts.merge([[0, 0]], **arguments)
+
+
+def test_a_detector_is_copied_and_shows_itself():
+    detector = ts.NodeDetector([[0, 0], [1, 0]])
+    again = copy.deepcopy(detector)
+    again.insert([0])
+    assert (len(detector), len(again)) == (2, 3) and repr(again) == "<tessolv.NodeDetector: 3 nodes>"

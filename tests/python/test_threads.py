@@ -6,6 +6,7 @@ import re
 import sys
 import threading
 import time
+import weakref
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -273,3 +274,41 @@ def test_queries_and_insertions_of_one_detector(freeze):
     for thread in threads:
         thread.join()
     assert failures == [] and len(detector) == len(copy) == len(pos)
+
+
+def test_a_detector_keeps_the_coordinates_that_the_last_thread_gave_it():
+    pos = np.random.default_rng(1).uniform(0, 1, (300, 3))
+    on = [True]
+
+    def ask_for_the_lock():
+        while on[0]:
+            sum(range(50))
+
+    asking = [threading.Thread(target=ask_for_the_lock) for _ in range(2)]
+    interval = sys.getswitchinterval()
+    sys.setswitchinterval(1e-5)
+    for thread in asking:
+        thread.start()
+    try:
+        for _ in range(60):
+            detector, together = ts.NodeDetector(), threading.Barrier(6)
+            arrays = [ts.freeze(np.roll(pos, k, axis=0)) for k in range(6)]
+
+            def build(k):
+                together.wait()
+                detector.reinit(arrays[k])
+
+            builders = [threading.Thread(target=build, args=(k,)) for k in range(6)]
+            for thread in builders:
+                thread.start()
+            for thread in builders:
+                thread.join()
+            watched = [weakref.ref(array) for array in arrays]
+            arrays.clear()
+            kept = [array for array in (watch() for watch in watched) if array is not None]
+            assert len(kept) == 1 and detector.closest(kept[0][:20]).tolist() == list(range(20))
+    finally:
+        on[0] = False
+        sys.setswitchinterval(interval)
+        for thread in asking:
+            thread.join()

@@ -6,14 +6,14 @@
 #include <utility>
 
 #include "check/mesh_report.h"
+#include "check/surface_json_report.h"
+#include "check/surface_report.h"
+#include "check/surface_text_report.h"
 #include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
 #include "formats/file_beside.h"
 #include "progress.h"
-#include "surface/json_report.h"
-#include "surface/surface_report.h"
-#include "surface/text_report.h"
 #include "terminal.h"
 #include "words.h"
 

@@ -8,7 +8,7 @@
 #include "commands/options.h"
 #include "exit_status.h"
 #include "findings/rules.h"
-#include "surface/stl_format.h"
+#include "stl/stl_format.h"
 
 namespace tool {
 

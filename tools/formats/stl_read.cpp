@@ -8,7 +8,7 @@
 #include "formats/cursor.h"
 #include "formats/scalar_type.h"
 #include "mesh/weld.h"
-#include "surface/stl_format.h"
+#include "stl/stl_format.h"
 #include "words.h"
 
 namespace tool {
@@ -35,9 +35,11 @@ public:
         weld_triangles(result, height_.weld_tolerance());
         result.facets = counts;
         const std::uint64_t unread = counts.in_file - counts.read;
-        if (unread != 0)
+        if (unread != 0) {
+            result.facets->why_not_read = why_not_read;
             result.faults.push_back(
                 {"facets_not_read", unread, counted(unread, "facet", "facets") + " not read (" + why_not_read + ')'});
+        }
         return std::move(result);
     }
 

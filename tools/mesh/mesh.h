@@ -57,6 +57,7 @@ struct facet_counts {
     bool ascii = false;
     std::uint64_t in_file = 0;  // announced by the header, or by the word "facet"
     std::uint64_t read = 0;
+    std::string why_not_read = {};  // of the first that was not; empty when all were
 };
 
 // A mesh as a file has it. Nothing in it is checked against the rest but for the sizes: see faults_of.

@@ -3,12 +3,11 @@
 #include <utility>
 
 #include "check/mesh_report.h"
-#include "check/mesh_report.h"
+#include "check/surface_json_report.h"
+#include "check/surface_report.h"
+#include "check/surface_text_report.h"
 #include "commands/files.h"
 #include "mesh/kinds.h"
-#include "surface/json_report.h"
-#include "surface/surface_report.h"
-#include "surface/text_report.h"
 #include "words.h"
 
 namespace tool {

@@ -214,6 +214,7 @@ void expect_facets_read_to_be_those_of_the_library(const strings& files, const c
     unsigned long checked_files = 0;
     for (std::string line; std::getline(lines, line); ++checked_files) {
         const auto object = ordered_json::parse(line);
+        if (object["notes"].dump().find("solids in the file") != std::string::npos) continue;  // read beyond the first
         ASSERT_EQ(object["facets_read"], object["triangles"]) << test::read_file(object["file"]);
         ASSERT_EQ(object["degenerate"], 0);
         ASSERT_EQ(object["verdict"], "not clean");
@@ -299,9 +300,16 @@ INSTANTIATE_TEST_SUITE_P(
                     file_case{"second_solid",
                               whole_text + text_stl({{O, X, Y}}),
                               5,
-                              4,
-                              {"1 facet not read (reading ends with the first solid in line 30)"},
+                              5,
+                              {"1 duplicate triangle", "3 edges of three or more triangles"},
                               {"2 solids in the file"}},
+                    file_case{"second_solid_cut",
+                              cut(whole_text + text_stl({{O, X, Y}, {X, Y, Z}}), 60),
+                              6,
+                              5,
+                              {"1 facet not read (line 42: the file ends where a coordinate should be)",
+                               "1 duplicate triangle", "3 edges of three or more triangles"},
+                              {"2 solids in the file", "no 'endsolid' at the end"}},
                     file_case{
                         "second_solid_empty", whole_text + "solid b\nendsolid b\n", 4, 4, {}, {"2 solids in the file"}},
                     file_case{"in_capitals",

@@ -1,4 +1,4 @@
-#include "surface/json_report.h"
+#include "check/surface_json_report.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,4 +1,4 @@
-#include "surface/surface_numbers.h"
+#include "check/surface_numbers.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "surface/text_report.h"
+#include "check/surface_text_report.h"
 
 #include <algorithm>
 #include <cmath>

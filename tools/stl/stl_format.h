@@ -1,5 +1,5 @@
-#ifndef TOOLS_SURFACE_STL_FORMAT_H
-#define TOOLS_SURFACE_STL_FORMAT_H
+#ifndef TOOLS_STL_STL_FORMAT_H
+#define TOOLS_STL_STL_FORMAT_H
 
 #include <cstdint>
 

@@ -1,11 +1,11 @@
-#include "surface/stl_survey.h"
+#include "stl/stl_survey.h"
 
 #include <algorithm>
 #include <string_view>
 
 #include "errors.h"
-#include "surface/stl_text.h"
-#include "surface/stl_words.h"
+#include "stl/stl_text.h"
+#include "stl/stl_words.h"
 #include "words.h"
 
 namespace tool {
@@ -47,6 +47,7 @@ stl_survey survey_text(const input_file& file)
 
     stl_survey survey;
     survey.format = stl_format::ascii;
+    survey.solids = words.solids;
     survey.facets_in_file = std::max(words.facets, scan.facets);
     survey.facets_read = scan.facets;
     if (survey.facets_read < survey.facets_in_file) survey.why_not_read = why_reading_stopped(scan);

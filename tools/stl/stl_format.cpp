@@ -1,4 +1,4 @@
-#include "surface/stl_format.h"
+#include "stl/stl_format.h"
 
 #include <algorithm>
 #include <bit>
@@ -8,7 +8,7 @@
 
 #include "errors.h"
 #include "input/byte_source.h"
-#include "surface/stl_words.h"
+#include "stl/stl_words.h"
 
 namespace tool {
 namespace {

@@ -1,5 +1,5 @@
-#ifndef TOOLS_SURFACE_SURFACE_NUMBERS_H
-#define TOOLS_SURFACE_SURFACE_NUMBERS_H
+#ifndef TOOLS_CHECK_SURFACE_NUMBERS_H
+#define TOOLS_CHECK_SURFACE_NUMBERS_H
 
 #include <array>
 #include <cstdint>

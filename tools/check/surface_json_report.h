@@ -1,9 +1,9 @@
-#ifndef TOOLS_SURFACE_JSON_REPORT_H
-#define TOOLS_SURFACE_JSON_REPORT_H
+#ifndef TOOLS_CHECK_SURFACE_JSON_REPORT_H
+#define TOOLS_CHECK_SURFACE_JSON_REPORT_H
 
 #include <string>
 
-#include "surface/surface_report.h"
+#include "check/surface_report.h"
 
 namespace tool {
 

@@ -1,4 +1,4 @@
-#include "surface/stl_text.h"
+#include "stl/stl_text.h"
 
 #include <cstdio>
 #include <random>

@@ -1,5 +1,5 @@
-#ifndef TOOLS_SURFACE_STL_TEXT_H
-#define TOOLS_SURFACE_STL_TEXT_H
+#ifndef TOOLS_STL_STL_TEXT_H
+#define TOOLS_STL_STL_TEXT_H
 
 #include <cstdint>
 

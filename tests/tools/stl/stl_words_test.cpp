@@ -1,4 +1,4 @@
-#include "surface/stl_words.h"
+#include "stl/stl_words.h"
 
 #include <string>
 

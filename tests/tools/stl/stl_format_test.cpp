@@ -1,4 +1,4 @@
-#include "surface/stl_format.h"
+#include "stl/stl_format.h"
 
 #include <cstdint>
 #include <random>

@@ -1,14 +1,14 @@
-#ifndef TOOLS_SURFACE_SURFACE_REPORT_H
-#define TOOLS_SURFACE_SURFACE_REPORT_H
+#ifndef TOOLS_CHECK_SURFACE_REPORT_H
+#define TOOLS_CHECK_SURFACE_REPORT_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "check/surface_numbers.h"
 #include "input/input_file.h"
-#include "surface/stl_survey.h"
-#include "surface/surface_numbers.h"
+#include "stl/stl_survey.h"
 
 namespace tool {
 

@@ -1,22 +1,46 @@
-#include "surface/surface_report.h"
+#include "check/surface_report.h"
 
 #include "errors.h"
+#include "formats/stl_read.h"
 #include "words.h"
 
 namespace tool {
 namespace {
 
+using zeb::tessolv::remove_degenerated;
 using zeb::tessolv::simplify;
 using zeb::tessolv::STL_input;
 
-// Without a positive height the reader leaves the nodes of an incomplete facet in place; nobody uses them. What is left
-// when nothing was read is still a surface in space.
-void read_surface(const std::string& path, stl_format format, surface& result)
+// As the library's reader makes it.
+void read_one_solid(const std::string& path, stl_format format, surface& result)
 {
     constexpr int not_opened = -1;
     const int triangles = STL_input(path.c_str(), result.pos, result.connect, format == stl_format::ascii);
     if (triangles == not_opened) throw unreadable("cannot be read as an STL file");
     checked(triangles, "STL_input");
+}
+
+// That reader ends with the first solid of a text. Here are all of them, welded and without collapsed facets as there.
+void read_all_solids(const std::string& path, stl_survey& survey, surface& result)
+{
+    const mesh m = read_stl(source::open(path));
+    survey.facets_in_file = m.facets->in_file;
+    survey.facets_read = m.facets->read;
+    survey.why_not_read = m.facets->why_not_read;
+    result.pos = m.pos;
+    if (!m.blocks.empty()) result.connect = m.blocks.front().connect;
+    zeb::dense1D<unsigned int> new_numbers;
+    checked(remove_degenerated(result.connect, new_numbers), "remove_degenerated");
+}
+
+// Without a positive height the reader leaves the nodes of an incomplete facet in place; nobody uses them. What is left
+// when nothing was read is still a surface in space.
+void read_surface(const std::string& path, stl_survey& survey, surface& result)
+{
+    if (survey.solids > 1)
+        read_all_solids(path, survey, result);
+    else
+        read_one_solid(path, survey.format, result);
     checked(simplify(result.pos, result.connect), "simplify");
     if (result.pos.empty()) result.pos.resize(3, 0);
 }
@@ -62,7 +86,7 @@ surface_report inspect(const std::string& path, const input_file& file, std::opt
     surface_report report;
     report.file = path;
     report.survey = survey_stl(file, format);
-    read_surface(path, report.survey.format, result);
+    read_surface(path, report.survey, result);
     report.numbers = measure_surface(result.pos, result.connect);
 
     const std::uint64_t corners = 3 * report.survey.facets_read;
