@@ -86,7 +86,6 @@ file_beside::file_beside(const std::string& path) : path_(resolved(path))
     struct stat status {};
     const bool exists = stat(path_.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) throw unwritable("is a directory");
-    if (exists && !S_ISREG(status.st_mode)) throw unwritable("is a device or a pipe, which a file would replace");
     if (exists && access(path_.c_str(), W_OK) != 0) throw_last_error();
     in_place_ = exists && !S_ISREG(status.st_mode);
     if (in_place_) {

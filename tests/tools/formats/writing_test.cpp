@@ -74,17 +74,6 @@ TEST(FileBeside, TakesItsPlaceOnlyWhenItIsCommitted)
     EXPECT_FALSE(exists(file.name() + "x"));
 }
 
-TEST(FileBeside, DoesNotReplaceADeviceOrAPipe)
-{
-    const test::temporary_folder folder;
-    ASSERT_EQ(mkfifo(folder.path("pipe.vtk").c_str(), 0600), 0);
-    write_options options;
-    options.library = true;
-    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("pipe.vtk"), {}, options), unwritable);
-    EXPECT_TRUE(std::filesystem::is_fifo(folder.path("pipe.vtk")));
-    EXPECT_THROW(file_beside("/dev/null"), unwritable);
-}
-
 // As `cp` and the shell have it: a pipe stays one, and its writer waits for the reader.
 TEST(WriteMesh, GoesThroughANamedPipe)
 {
