@@ -58,6 +58,7 @@ std::vector<std::string> problems_of(const surface_report& report)
     if (const std::uint64_t unread = survey.facets_in_file - survey.facets_read; unread != 0)
         problems.push_back(counted(unread, "facet", "facets") + " not read (" + survey.why_not_read + ')');
     if (numbers.triangles == 0) problems.emplace_back("no triangle");
+    add(problems, numbers.nodes_not_finite, "node without a finite place", "nodes without a finite place");
     add(problems, report.degenerate, "degenerate triangle", "degenerate triangles");
     add(problems, numbers.duplicates.count, "duplicate triangle", "duplicate triangles");
     add(problems, numbers.free_edges.count, "free edge", "free edges");
@@ -73,8 +74,6 @@ std::vector<std::string> notes_of(const surface_report& report)
     if (numbers.parts > 1) notes.push_back(std::to_string(numbers.parts) + " separate parts");
     if (numbers.triangles != 0 && report.merged_nodes == 0)
         notes.emplace_back("no corners coincide: nothing was welded");
-    if (numbers.nodes_not_finite != 0)
-        notes.push_back(counted(numbers.nodes_not_finite, "node is", "nodes are") + " not finite");
     return notes;
 }
 

@@ -409,7 +409,18 @@ TEST(CheckJson, WritesNullForWhatIsNoNumber)
     const auto object = check_json(binary_stl({{test::corner{nan, 0, 0}, {nan, 1, 0}, {nan, 0, infinity}}})).object;
     EXPECT_EQ(object["bounding_box"], ordered_json::parse(R"({"min": [null, 0.0, 0.0], "max": [null, 1.0, null]})"));
     EXPECT_EQ(object["triangles"], 1);
-    EXPECT_EQ(object["notes"].back(), "3 nodes are not finite");
+    EXPECT_EQ(object["problems"].front(), "3 nodes without a finite place");
+}
+
+TEST(Check, RefusesAClosedSurfaceThatReachesInfinity)
+{
+    facets closed = tetrahedron;
+    for (auto& triangle : closed)
+        for (auto& place : triangle)
+            if (place == X) place[0] = std::numeric_limits<float>::infinity();
+    const auto object = check_json(binary_stl(closed)).object;
+    EXPECT_EQ(object["problems"], ordered_json({"1 node without a finite place"}));
+    EXPECT_EQ(object["verdict"], "not clean");
 }
 
 TEST(CheckJson, WritesNullForTheMeasuresOfNoTriangle)
