@@ -45,10 +45,11 @@ def machine():
 
 
 def gather(folder):
-    results = {"machine": machine(), "limits": {}, "rows": [], "growth": [], "hostile": []}
+    results = {"machine": machine(), "missing": [], "limits": {}, "rows": [], "growth": [], "hostile": []}
     for name in FAMILIES + ["limits", "growth"]:
         file = folder / f"{name}.json"
         if not file.exists():
+            results["missing"].append(name)
             continue
         part = json.loads(file.read_text())
         for key in ("rows", "growth", "hostile"):
@@ -251,12 +252,16 @@ def write_plots(results, images):
         (images / "growth.svg").write_text(growth_plot(results["growth"]))
 
 
+def missing_lines(results):
+    return [f"Not measured in this run: {', '.join(results['missing'])}.", ""] if results["missing"] else []
+
+
 def main():
     folder, file, page, images = map(pathlib.Path, sys.argv[1:5])
     results = gather(folder)
     file.write_text(json.dumps(results, indent=1) + "\n")
     write_plots(results, images)
-    lines = [*machine_lines(results), *comparison_lines(results), *called_lines(results), *limit_lines(results),
+    lines = [*machine_lines(results), *missing_lines(results), *comparison_lines(results), *called_lines(results), *limit_lines(results),
              *growth_lines(results)]
     before, rest = page.read_text().split(BEGIN)
     page.write_text(before + BEGIN + "\n\n" + "\n".join(lines) + END + rest.split(END)[1])
