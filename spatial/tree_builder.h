@@ -53,7 +53,8 @@ public:
     // Depth of the deepest record.
     unsigned int deepest() const { return deepest_; }
 
-    // The nodes of the records in the order of the table, and room for as many, which is cheaper than memory that nobody touched yet.
+    // The nodes of the records in the order of the table, and room for as many, which is cheaper than memory that nobody
+    // touched yet.
     const scratch<rough_node<D>>& rough_nodes() const { return rough_; }
     scratch<rough_node<D>>& room() { return spare_; }
 
