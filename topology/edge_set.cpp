@@ -152,16 +152,17 @@ public:
     [[nodiscard]] bool allocate() { return lists_.allocate(last_ + std::uint64_t{1}, short_list<Width>::empty()); }
 
     template <class Element>
-    void enter(const dense2D<unsigned int>& connect, std::uint64_t number)
+    void enter(const dense2D<unsigned int>& connect, std::uint64_t entered)
     {
-        for (std::uint64_t e = 0; e < connect.cols; ++e, number += Element::edges.size()) {
+        for (std::uint64_t e = 0; e < connect.cols; ++e) {
             announce<Element>(connect, e);
             const unsigned int* nodes = column(connect, e);
             const auto edges = edges_of<Element>(nodes);
+            const std::uint64_t first = entered + e * Element::edges.size();
             for (std::size_t k = 0; k < edges.size(); ++k) {
                 const auto [smaller, larger] = sorted_vertices(nodes, edges[k]);
                 auto& list = lists_[smaller - lowest_];
-                if (!list.contains(larger - lowest_)) append(list, larger - lowest_, number + k);
+                if (!list.contains(larger - lowest_)) append(list, larger - lowest_, first + k);
             }
         }
     }
@@ -169,16 +170,17 @@ public:
 #ifdef TESSOLV_WIDE_LISTS
     // The same (1 M tetrahedra: 22.7 ms against 18.8, shuffled 42.6 against 36.5).
     template <class Element>
-    [[gnu::target("avx2")]] void enter_by_eight(const dense2D<unsigned int>& connect, std::uint64_t number)
+    [[gnu::target("avx2")]] void enter_by_eight(const dense2D<unsigned int>& connect, std::uint64_t entered)
     {
-        for (std::uint64_t e = 0; e < connect.cols; ++e, number += Element::edges.size()) {
+        for (std::uint64_t e = 0; e < connect.cols; ++e) {
             announce<Element>(connect, e);
             const unsigned int* nodes = column(connect, e);
             const auto edges = edges_of<Element>(nodes);
+            const std::uint64_t first = entered + e * Element::edges.size();
             for (std::size_t k = 0; k < edges.size(); ++k) {
                 const auto [smaller, larger] = sorted_vertices(nodes, edges[k]);
                 auto& list = lists_[smaller - lowest_];
-                if (!list.contains_by_eight(larger - lowest_)) append(list, larger - lowest_, number + k);
+                if (!list.contains_by_eight(larger - lowest_)) append(list, larger - lowest_, first + k);
             }
         }
     }
@@ -204,7 +206,8 @@ private:
     void append(short_list<Width>& list, unsigned int larger, std::uint64_t number)
     {
         const bool full = list.is_full();
-        (full ? left_ : marks_)[number / 64] |= std::uint64_t{1} << (number % 64);
+        std::uint64_t* const marks = full ? left_ : marks_;
+        marks[number / 64] |= std::uint64_t{1} << (number % 64);
         count_left_ += full;
         if (!full) list.append(larger);
     }
@@ -229,15 +232,15 @@ template <std::size_t Width>
     {
         short_lists<Width> lists(bounds, marks.data(), left.data());
         if (!lists.allocate()) return false;
-        std::uint64_t number = 0;
+        std::uint64_t entered = 0;
         for_each_matrix(meshes, [&](auto element, const dense2D<unsigned int>& connect) {
 #ifdef TESSOLV_WIDE_LISTS
             if (__builtin_cpu_supports("avx2") != 0)
-                lists.template enter_by_eight<decltype(element)>(connect, number);
+                lists.template enter_by_eight<decltype(element)>(connect, entered);
             else
 #endif
-                lists.template enter<decltype(element)>(connect, number);
-            number += connect.cols * element.edges.size();
+                lists.template enter<decltype(element)>(connect, entered);
+            entered += connect.cols * element.edges.size();
         });
         count_left = lists.count_left();
     }
