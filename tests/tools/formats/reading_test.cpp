@@ -1,4 +1,6 @@
 #include <cmath>
+#include <limits>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -123,18 +125,62 @@ TEST(ReadStl, TakesEverySolidWithItsName)
     EXPECT_TRUE(m.faults.empty());
 }
 
-TEST(ReadStl, CountsFacetsThatItCannotRead)
+TEST(ReadStl, EndsAtAFacetThatItCannotReadUnlessThereAreSeveralSolids)
 {
     std::string text = test::text_stl(test::tetrahedron);
     text.replace(text.find("vertex", 200), 6, "vertax");
+    const auto facets_of = [](const mesh& m) { return std::pair(m.blocks.at(0).size(), m.faults.at(0).count); };
     const mesh m = test::read_bytes(text);
-    EXPECT_EQ(m.blocks[0].size(), 3u);
-    ASSERT_EQ(m.faults.size(), 1u);
+    EXPECT_EQ(facets_of(m), std::pair(1ul, 3ul));
     EXPECT_EQ(m.faults[0].code, "facets_not_read");
-    EXPECT_EQ(m.faults[0].count, 1u);
     EXPECT_EQ(m.facets->in_file, 4u);
+    EXPECT_EQ(m.facets->why_not_read, "line 13 is not 'vertex' and three numbers");
     EXPECT_THROW(require_sound(m), unreadable);
+    EXPECT_EQ(facets_of(test::read_bytes(text + "solid b\nendsolid b\n")), std::pair(3ul, 1ul));
     EXPECT_THROW(test::read_bytes_as("solid\nfacet normal 0 0 1\nouter loop\nvertex 0 0", "stl"), unreadable);
+}
+
+// Corners that are equal, close, a weld apart from two others, or at no place at all.
+std::vector<test::facet> spoiled_sheet(std::mt19937& random)
+{
+    const auto below = [&](unsigned n) { return static_cast<float>(random() % n); };
+    std::vector<test::facet> facets;
+    for (unsigned i = 0; i < 40; ++i) {
+        const float x = below(4);
+        const float y = below(4);
+        facets.push_back({test::corner{x, y, 0}, {x + 1, y, 0}, {x, y + 1, 0}});
+        for (test::corner& c : facets.back())
+            if (random() % 3 == 0) c[random() % 2] += 0.01f * (below(9) - 4);
+        if (random() % 20 == 0) facets.back()[0][2] = std::numeric_limits<float>::infinity();
+        if (random() % 20 == 0) facets.back()[1][0] = std::numeric_limits<float>::quiet_NaN();
+    }
+    return facets;
+}
+
+TEST(ReadStl, GivesTheSurfaceOfTheLibrary)
+{
+    const test::temporary_folder folder;
+    std::mt19937 random(5);
+    unsigned welded = 0;
+    for (int file = 0; file < 200; ++file) {
+        const bool ascii = file % 2 == 0;
+        const std::vector<test::facet> facets = spoiled_sheet(random);
+        const std::string bytes = ascii ? test::text_stl(facets) : test::binary_stl(facets);
+        zeb::dense2D<double> pos;
+        zeb::dense2D<unsigned int> connect;
+        ASSERT_GT(zeb::tessolv::STL_input(folder.write("a.stl", bytes).c_str(), pos, connect, ascii), 0);
+        mesh m = test::read_bytes(bytes);
+        zeb::dense1D<unsigned int> new_numbers;
+        zeb::tessolv::remove_degenerated(m.blocks[0].connect, new_numbers);
+        zeb::tessolv::simplify(m.pos, m.blocks[0].connect);
+        ASSERT_EQ(m.blocks[0].connect, connect) << file;
+        ASSERT_EQ(m.pos.cols, pos.cols);
+        for (std::uint64_t i = 0; i < pos.cols; ++i)
+            for (std::uint64_t k = 0; k < 3; ++k)
+                ASSERT_TRUE(m.pos(k, i) == pos(k, i) || (std::isnan(m.pos(k, i)) && std::isnan(pos(k, i)))) << file;
+        welded += pos.cols < 3 * facets.size();
+    }
+    EXPECT_GT(welded, 100u);
 }
 
 TEST(ReadStl, CountsFacetsThatABinaryFileAnnouncesAndLacks)
