@@ -106,7 +106,8 @@ py::dict fault_of(const tool::mesh& m, const tool::found& f)
     fault["count"] = f.count;
     fault["of"] = f.of;
     fault["text"] = f.text;
-    fault["first_at"] = f.first_at ? py::object(py::cast(*f.first_at)) : py::none();
+    fault["first_at"] = py::none();
+    if (const auto& at = f.first_at; at) fault["first_at"] = py::make_tuple((*at)[0], (*at)[1], (*at)[2]);
     fault["nodes"] = of_nodes ? rows_of(f.ids.data(), f.ids.data() + f.ids.size(), 0) : rows_of(nullptr, nullptr, 0);
     fault["elements"] = of_nodes ? py::dict() : elements_of(m, f.ids);
     return fault;
@@ -181,7 +182,7 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
 // not all, and whether it is a text.
 py::tuple read_stl(const std::string& file)
 {
-    const call c("read");
+    call c("read");
     tool::mesh m;
     try {
         m = c.run([&] { return tool::read_stl(tool::source::open(file)); });

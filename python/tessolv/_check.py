@@ -266,7 +266,6 @@ def _fault_line(fault: Fault) -> str:
 
 
 def _fault(values: Dict[str, Any]) -> Fault:
-    values["first_at"] = values["first_at"] and tuple(values["first_at"])
     values["elements"] = {ElementType(type): rows for type, rows in values["elements"].items()}
     return Fault(**values)
 
