@@ -280,14 +280,14 @@ def _summary(values: Mapping[str, Any]) -> KindSummary:
 def _summary_fields(kind: KindSummary) -> Dict[str, Any]:
     if kind.min is None or kind.histogram is None:
         return {"count": kind.count}
-    quality = {**asdict(kind), "histogram": list(kind.histogram)}
+    quality: Dict[str, Any] = {**asdict(kind), "histogram": list(kind.histogram)}
     for name in ("min", "mean", "max"):
         quality[name] = None if np.isnan(quality[name]) else quality[name]
     return {"count": quality.pop("count"), "quality": quality}
 
 
 def _fault_fields(fault: Fault) -> Dict[str, Any]:
-    ids = {KIND_WORDS[type][0]: rows.tolist() for type, rows in fault.elements.items()}
+    ids: Dict[str, List[int]] = {KIND_WORDS[type][0]: rows.tolist() for type, rows in fault.elements.items()}
     if len(fault.nodes):
         ids = {"node": fault.nodes.tolist()}
     first_at = None if fault.first_at is None else list(fault.first_at)
