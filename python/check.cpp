@@ -13,16 +13,17 @@
 namespace binding {
 namespace {
 
-tool::rules rules_of(const call& c, const std::string& profile, py::handle json)
+tool::rules rules_of(const call& c, py::handle profile, py::handle json)
 {
     tool::rules base;
     try {
-        base = tool::rules_of_profile(profile);
+        base = tool::rules_of_profile(profile.is_none() ? "default" : profile.cast<std::string>());
     } catch (const tool::wrong_usage& wrong) {
         c.refuse("profile", wrong.what());
     }
     try {
-        return json.is_none() ? base : tool::rules_from_json(json.cast<std::string>(), base);
+        if (json.is_none()) return base;
+        return tool::rules_from_json(json.cast<std::string>(), base, !profile.is_none());
     } catch (const tool::wrong_usage& wrong) {
         constexpr std::string_view known = "the rules";  // the argument is named anyway
         std::string reason = wrong.what();
@@ -168,7 +169,7 @@ py::dict verdict_of(const tool::mesh& m, const tool::examination& v, const tool:
     return result;
 }
 
-py::dict check(py::handle pos, py::handle types, py::handle cells, const std::string& profile, py::handle rules,
+py::dict check(py::handle pos, py::handle types, py::handle cells, py::handle profile, py::handle rules,
                py::handle facets)
 {
     call c("check");

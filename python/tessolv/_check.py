@@ -313,7 +313,7 @@ def check(
     points: ArrayLike,
     cells: Mapping[Any, ArrayLike],
     *,
-    profile: str = "default",
+    profile: Optional[str] = None,
     rules: Optional[Rules] = None,
     facets: Optional[Tuple[int, int, int]] = None,
 ) -> Verdict:
@@ -324,7 +324,7 @@ def check(
     Args:
         points: shape (nodes, 2 or 3).
         cells: for each element type an array of shape (elements, nodes), in the numbering of the library.
-        profile: "default", "solver", "shell" or "closed".
+        profile: "default", "solver", "shell" or "closed"; it counts more than one that the rules name.
         rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
         facets: for a surface of an STL file, in which an open edge is a fault: see `Facets`.
 
@@ -337,7 +337,7 @@ def check(
     """
     if not isinstance(cells, Mapping):
         raise Error("check", None, "cells", "is no mapping of element types to arrays")
-    if not isinstance(profile, str):
+    if not (profile is None or isinstance(profile, str)):
         raise Error("check", None, "profile", "is no text")
     text = rules_text(rules)
     counts = None if facets is None else _facets(facets)

@@ -167,6 +167,13 @@ def test_profiles_and_rules_are_those_of_the_program(tmp_path):
     (theirs,) = by_program([tmp_path / "mesh.msh"], "--rules", tmp_path / "rules.json")
     for given in (rules, json.dumps(rules), tmp_path / "rules.json", str(tmp_path / "rules.json")):
         assert_same(mesh.check(rules=given), theirs, mesh.cells, tmp_path / "mesh.msh")
+    named = {"profile": "solver", "faults": {"parts": "off"}}
+    (tmp_path / "rules.json").write_text(json.dumps(named))
+    for profile in (None, "default", "closed"):
+        options = () if profile is None else ("--profile", profile)
+        (theirs,) = by_program([tmp_path / "mesh.msh"], "--rules", tmp_path / "rules.json", *options)
+        assert_same(mesh.check(profile=profile, rules=named), theirs, mesh.cells, tmp_path / "mesh.msh")
+        assert theirs["rules"]["profile"] == (profile or "solver")
     assert mesh.check(rules=mesh.check(profile="solver").rules).to_dict() == mesh.check(profile="solver").to_dict()
 
 
@@ -217,6 +224,25 @@ def test_surfaces_of_stl_files_are_judged_as_by_the_program(tmp_path):
                     assert {**fault, "ids": nodes or fault["ids"]} == {**other, "ids": nodes or other["ids"]}, path
             assert name == "faults" or value == theirs[name], (path, name)
         assert len(ours["faults"]) == len(theirs["faults"]), path
+
+
+@needs_known
+@needs_program
+def test_every_line_of_the_program_is_as_its_schema_says(known, tmp_path):
+    jsonschema = pytest.importorskip("jsonschema")
+    schema = json.loads((PARTS.parents[1] / "docs" / "check.schema.json").read_text())
+    valid = jsonschema.Draft7Validator(schema)  # which knows all that the schema uses
+    (tmp_path / "none.stl").write_text("solid\nendsolid\n")
+    (tmp_path / "no.msh").write_text("no mesh")
+    paths = [*(mesh["path"] for mesh in known if mesh["path"]), *tmp_path.iterdir(), tmp_path / "missing.vtu", *PARTS.glob("*.stl")]
+    output = subprocess.run([PROGRAM, "check", "--json", *map(str, paths)], capture_output=True, text=True).stdout
+    lines = [json.loads(line) for line in output.splitlines()]
+    assert len(lines) == len(paths)
+    for line in lines:
+        assert not [error.message for error in valid.iter_errors(line)], line["file"]
+    spoilt = next(line for line in lines if line["format"] == "binary")
+    del spoilt["merged_nodes"]
+    assert list(valid.iter_errors(spoilt))
 
 
 def test_all_solids_of_an_stl_text_are_read(tmp_path):
