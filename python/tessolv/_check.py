@@ -324,7 +324,7 @@ def check(
     Args:
         points: shape (nodes, 2 or 3).
         cells: for each element type an array of shape (elements, nodes), in the numbering of the library.
-        profile: "default", "solver", "shell" or "closed"; it counts more than one that the rules name.
+        profile: "default", "solver", "shell" or "closed"; it counts more than one in the rules.
         rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
         facets: for a surface of an STL file, in which an open edge is a fault: see `Facets`.
 

@@ -124,7 +124,7 @@ class Mesh(MeshData):
         Open edges are a fault in a surface of an STL file, see `facets`; in others they are a note.
 
         Args:
-            profile: "default", "solver", "shell" or "closed", see docs/check.md; it counts more than one that the rules name.
+            profile: "default", "solver", "shell" or "closed", see docs/check.md; it counts more than one in the rules.
             rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
 
         Raises:

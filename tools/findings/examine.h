@@ -34,7 +34,7 @@ struct lost_edges {
     std::uint64_t count;
 };
 
-// The verdict on one mesh. Collapsed facets of an STL file, and the nodes that these alone have, are told as a fault and
+// The verdict on one mesh. Collapsed facets of an STL file, and nodes that these alone have, are told as a fault and
 // count nowhere else.
 struct examination {
     std::uint64_t nodes = 0;
