@@ -45,6 +45,7 @@ void write_vtk(const std::string& path, const mesh& m)
     zeb::dense2D<double> pos = m.pos;
     zeb::dense2D<unsigned int> connect;
     if (!m.blocks.empty()) connect = m.blocks.front().connect;
+    if (pos.cols != m.pos.cols || connect.cols != m.element_count()) throw std::bad_alloc();
     zeb::dense1D<unsigned int> new_numbers;
     checked(zeb::tessolv::remove_degenerated(connect, new_numbers), "remove_degenerated");
     checked(zeb::tessolv::simplify(pos, connect), "simplify");

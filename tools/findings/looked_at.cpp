@@ -1,6 +1,7 @@
 #include "findings/looked_at.h"
 
 #include <algorithm>
+#include <new>
 
 #include "findings/duplicates.h"
 #include "findings/face_list.h"
@@ -18,6 +19,8 @@ looked_at::looked_at(const mesh& m, const mesh_faults& faults) : content_(&m), n
     if (bad_.empty() && collapsed_.empty()) return;
 
     rest_ = m;
+    // The matrices tell exhausted memory by being empty.
+    if (rest_.pos.cols != m.pos.cols || rest_.element_count() != m.element_count()) throw std::bad_alloc();
     content_ = &rest_;
     keep_elements(rest_, keep);
     for (std::uint64_t e = 0; e < keep.size(); ++e)
