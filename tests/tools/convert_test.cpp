@@ -137,7 +137,7 @@ TEST(Convert, RefusesWhatTheFormatCannotHold)
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.err,
               "tessolv: " + folder.path("a.stl") +
-                  ": STL cannot hold 1 tetrahedron; --lossy writes what it can, 'boundary' makes the surface\n");
+                  ": STL cannot hold 1 tetrahedron; 'boundary' makes the surface\n");
     EXPECT_FALSE(std::filesystem::exists(folder.path("a.stl")));
     EXPECT_EQ(tessolv({"convert", part, "--output", "/dev/full", "--format", "vtk"}).status, 4);
     EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("no/folder.vtk")}).status, 4);
