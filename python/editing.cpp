@@ -85,23 +85,41 @@ py::object change_indices(py::handle ids, py::handle new_ids, py::handle out)
     return result_of(std::move(connect), columns);
 }
 
+// The library gives the result a buffer of its own and leaves the values where they are: they are not copied before.
 template <class T>
-py::object permuted(call& c, py::handle values, py::handle perm, py::handle out)
+py::object permuted(call& c, py::handle values, py::handle perm)
+{
+    auto moved = c.vector<T>(values, "values");
+    const auto places = c.vector<index>(perm, "perm");
+    const T* const given = moved.data();
+    c.run([&] { lib::permutation(moved, places); });
+    if (moved.size != 0 && moved.data() == given) throw std::bad_alloc();
+    return handed_over(std::move(moved));
+}
+
+// `out` takes the result from that buffer.
+template <class T>
+py::object permuted_into(call& c, py::handle values, py::handle perm, py::handle out)
 {
     auto given = c.changed_vector<T>(values, out, "values");
     const auto places = c.vector<index>(perm, "perm");
-    // The library gives the result a buffer of its own: `out` takes it from there.
     dense1D<T> target = given.values.sub_vector(0, given.values.size);
     c.run([&] { lib::permutation(given.values, places); });
     if (given.values.size != 0 && given.values.data() == target.data()) throw std::bad_alloc();
-    if (!given.out.is_none()) std::copy(given.values.begin(), given.values.end(), target.begin());
+    std::copy(given.values.begin(), given.values.end(), target.begin());
     return result_of(std::move(given));
+}
+
+template <class T>
+py::object permutation_of(call& c, py::handle values, py::handle perm, py::handle out)
+{
+    return out.is_none() ? permuted<T>(c, values, perm) : permuted_into<T>(c, values, perm, out);
 }
 
 py::object permutation(py::handle values, py::handle perm, bool indices, py::handle out)
 {
     call c("permutation");
-    return indices ? permuted<index>(c, values, perm, out) : permuted<double>(c, values, perm, out);
+    return indices ? permutation_of<index>(c, values, perm, out) : permutation_of<double>(c, values, perm, out);
 }
 
 py::tuple get_ids(py::handle first, py::handle second, bool strict, bool raw)

@@ -39,7 +39,7 @@ def processor():
 def machine():
     versions = {p: first_line(["dpkg-query", "-W", "-f=${Version}", p]) for p in PACKAGES}
     return {"date": datetime.date.today().isoformat(), "processor": processor(), "processors": os.cpu_count(),
-            "memory": os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES"), "kernel": platform.release(),
+            "memory": os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES"),
             "compiler": first_line(["c++", "--version"]), "load": round(os.getloadavg()[0], 2),
             "peers": {p: v for p, v in versions.items() if v}}
 
@@ -55,6 +55,8 @@ def gather(folder):
         for key in ("rows", "growth", "hostile"):
             results[key] += part.get(key, [])
         results["limits"].update(part.get("limits", {}))
+    order = list(dict.fromkeys(g["operation"] for g in results["growth"]))
+    results["growth"].sort(key=lambda g: order.index(g["operation"]))
     for row in results["rows"]:
         row["limit_seconds"] = limit(row["limit"], results["limits"])
     return results
@@ -123,7 +125,7 @@ def table(head, lines):
 def machine_lines(results):
     m = results["machine"]
     yield (f"Measured on {m['date']}: {m['processor']}, {m['processors']} processors, {m['memory'] / 2 ** 30:.0f} GiB of "
-           f"memory, Linux {m['kernel']}, {m['compiler']}, load {m['load']} at the end. Peers: "
+           f"memory, {m['compiler']}, load {m['load']} at the end. Peers: "
            + ", ".join(f"{p.removeprefix('lib').removesuffix('-dev')} {v}" for p, v in m["peers"].items()) + ".")
     yield ""
 
@@ -161,6 +163,7 @@ def limit_lines(results):
 
 def growth_lines(results):
     yield from ["### Growth", "", "![Time per item](images/performance/growth.svg)", ""]
+    yield from ["Plain writes are no operation of ours: one loop that writes numbers to places in the order given.", ""]
     yield from table(["operation", "numbering", "n", "2 n", "4 n", "8 n", "grows like"],
                      [[g["operation"], g["numbering"], *map(seconds, g["seconds"]),
                        f"n^{g['exponent']:.2f}" if g["exponent"] is not None else "**died**"] for g in results["growth"]])

@@ -261,7 +261,7 @@ double permutation_seconds(const mesh_arrays* m)
     const auto perm = m->all_nodes();
     dense1D<unsigned> values;
     return seconds([&] {
-        values.copy(given);  // Python leaves its argument alone
+        values.shallow_copy(given);  // the result gets a buffer of its own
         permutation(values, perm);
         return 0;
     });

@@ -325,6 +325,39 @@ def test_pyvista_gets_cells_in_the_numbering_of_vtk(monkeypatch):
     assert wedge.to_pyvista().cells.tolist() == [6, 0, 2, 1, 3, 5, 4]
 
 
+class VtkGrid:
+    """Makes VTK's own grid of the arrays, in the way of `pyvista.UnstructuredGrid`."""
+
+    def __init__(self, cells, codes, points):
+        core = pytest.importorskip("vtkmodules.vtkCommonCore")
+        model = pytest.importorskip("vtkmodules.vtkCommonDataModel")
+        numpy_support = pytest.importorskip("vtkmodules.util.numpy_support")
+        places = core.vtkPoints()
+        places.SetData(numpy_support.numpy_to_vtk(points, deep=True))
+        table = model.vtkCellArray()
+        table.ImportLegacyFormat(numpy_support.numpy_to_vtkIdTypeArray(cells, deep=True))
+        self.grid = model.vtkUnstructuredGrid()
+        self.grid.SetPoints(places)
+        self.grid.SetCells(numpy_support.numpy_to_vtk(codes, deep=True, array_type=core.VTK_UNSIGNED_CHAR), table)
+        self.point_data, self.cell_data = {}, {}
+
+
+@pytest.mark.parametrize("type", [ts.EL_TETRA4, ts.EL_HEXA8], ids=lambda type: type.name)
+def test_vtk_finds_cells_for_pyvista_the_right_way_round(type, monkeypatch):
+    verdict = pytest.importorskip("vtkmodules.vtkFiltersVerdict")
+    monkeypatch.setitem(sys.modules, "pyvista", types.SimpleNamespace(UnstructuredGrid=VtkGrid))
+    size = 2
+    block = grid(type, size)
+    quality = verdict.vtkMeshQuality()
+    quality.SetInputData(Mesh(block.pos, {type: block.connect}).to_pyvista().grid)
+    quality.SetTetQualityMeasureToVolume()
+    quality.SetHexQualityMeasureToVolume()
+    quality.Update()
+    volumes = quality.GetOutput().GetCellData().GetArray("Quality")
+    found = [volumes.GetValue(i) for i in range(volumes.GetNumberOfTuples())]
+    assert found == pytest.approx([size**3 / len(block.connect)] * len(block.connect))
+
+
 WHAT_NO_MESH_HOLDS = {
     "points without an axis": lambda: Mesh(3, {}),
     "points of one axis": lambda: Mesh([1, 2, 3], {}),

@@ -105,6 +105,15 @@ void permute(const index_list& order, lap& l)
     index_list values = in_order(order.size, false);
     l.timed([&] { permutation(values, order); });
 }
+void write_plainly(const index_list& order, lap& l)
+{
+    index_list values = in_order(order.size, false);
+    index_list moved(order.size);
+    l.timed([&] {
+        moved.copy(values);
+        for (std::uint64_t i = 0; i < order.size; ++i) moved[order[i]] = values[i];
+    });
+}
 void match_elements(const mesh& m, lap& l)
 {
     index_list in_1, in_2;
@@ -311,6 +320,12 @@ std::vector<tensor> some_tensors(double n, bool)
 }
 
 }  // namespace
+
+const operation& plain_writes()
+{
+    static const operation the_loop = with("plain writes", list, write_plainly);
+    return the_loop;
+}
 
 const std::vector<operation>& operations()
 {

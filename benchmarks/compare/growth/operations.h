@@ -17,6 +17,9 @@ struct operation {
 const std::vector<operation>& operations();
 const std::vector<operation>& file_operations();  // those of them that write and read files
 
+// What the machine itself charges: one plain loop that writes numbers to places in the order given.
+const operation& plain_writes();
+
 // An input made to be slow, and one of the same size that is not.
 struct hostile {
     const char* operation;
