@@ -155,7 +155,8 @@ void save_with_table(const mesh& m, const shared_options& options, const std::fu
     on_table([&] { table->commit(); });
 }
 
-exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work)
+exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
+                          const std::function<void(const failure&)>& on_failure)
 {
     if (outputs_collide(options)) {
         const bool standard = options.output == "-" || options.table == "-";
@@ -170,7 +171,9 @@ exit_status for_each_file(const shared_options& options, const std::function<exi
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
             complain(failed.file, failed.reason);
-            if (options.json)
+            if (on_failure)
+                on_failure(failed);
+            else if (options.json)
                 print_json({{"file", path}, {"error", told(failed, path)}, {"status", int{failed.status}}});
             const bool skipped = options.skip_unreadable && failed.status == exit_unreadable;
             worst = std::max(worst, skipped ? exit_clean : failed.status);

@@ -31,9 +31,6 @@ std::string escaped(const std::string& text)
             case '<':
                 result += "&lt;";
                 break;
-            case '>':
-                result += "&gt;";
-                break;
             case '"':
                 result += "&quot;";
                 break;
