@@ -5,6 +5,7 @@
 
 #include "core/columns.h"
 #include "core/return_codes.h"
+#include "metrics/certain_validity.h"
 
 namespace zeb::tessolv {
 namespace {
@@ -39,6 +40,17 @@ bool is_valid_column(const dense2D<float>& metrics, std::uint64_t j)
 {
     const float* entries = column(metrics, j);
     return metrics.rows == rows_2d ? is_valid_metric(widened<2>(entries)) : is_valid_metric(widened<3>(entries));
+}
+
+// Numbers of two columns side by side.
+using lanes = double __attribute__((vector_size(2 * sizeof(double))));
+
+bool are_certainly_valid(const float* first, const float* second)
+{
+    lanes m[rows_3d];
+    for (std::size_t i = 0; i < rows_3d; ++i) m[i] = lanes{first[i], second[i]};
+    const auto certain = is_certainly_valid(m);
+    return (certain[0] & certain[1]) != 0;
 }
 
 void store_isotropic(double h, dense2D<float>& metrics, std::uint64_t j)
@@ -97,8 +109,13 @@ bool are_valid_metrics(const dense1D<unsigned int>& nodes, const dense1D<float>&
 bool are_valid_metrics(const dense2D<float>& metrics)
 {
     if (!has_rows_of_metrics(metrics)) return false;
-    for (std::uint64_t j = 0; j < metrics.cols; ++j)
-        if (!is_valid_column(metrics, j)) return false;
+    for (std::uint64_t j = 0; j < metrics.cols; ++j) {
+        if (metrics.rows == rows_3d && metrics.cols - j >= 2 &&
+            are_certainly_valid(column(metrics, j), column(metrics, j + 1)))
+            ++j;
+        else if (!is_valid_column(metrics, j))
+            return false;
+    }
     return true;
 }
 

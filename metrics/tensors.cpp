@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "metrics/certain_validity.h"
 #include "metrics/symmetric_eigen.h"
 
 namespace zeb::tessolv {
@@ -109,7 +110,7 @@ void eigen_pairs(const symmetric_fixed<double, 2>& M, vector_fixed<double, 2>& v
 
 void eigen_pairs(const symmetric_fixed<double, 3>& M, vector_fixed<double, 3>& values, matrix_fixed<double, 3, 3>)
 {
-    values = decomposed_eigenvalues(M);
+    values = direct_eigenvalues(M);
 }
 
 bool is_valid_metric(const symmetric_fixed<double, 2>& M)
@@ -119,6 +120,8 @@ bool is_valid_metric(const symmetric_fixed<double, 2>& M)
 
 bool is_valid_metric(const symmetric_fixed<double, 3>& M)
 {
+    const double entries[] = {M[0], M[1], M[2], M[3], M[4], M[5]};
+    if (is_certainly_valid(entries)) return true;
     const verdict certain = judge_by_pivots(M);
     return certain == verdict::doubtful ? is_finite(M) && has_valid_eigenvalues(M) : certain == verdict::valid;
 }

@@ -7,25 +7,23 @@
 #include "findings/examine.h"
 #include "findings/face_list.h"
 #include "formats/stl_read.h"
-#include "input/input_file.h"
 #include "mesh/kinds.h"
 #include "module.h"
-#include "stl/stl_survey.h"
-#include "words.h"
 
 namespace binding {
 namespace {
 
-tool::rules rules_of(const call& c, const std::string& profile, py::handle json)
+tool::rules rules_of(const call& c, py::handle profile, py::handle json)
 {
     tool::rules base;
     try {
-        base = tool::rules_of_profile(profile);
+        base = tool::rules_of_profile(profile.is_none() ? "default" : profile.cast<std::string>());
     } catch (const tool::wrong_usage& wrong) {
         c.refuse("profile", wrong.what());
     }
     try {
-        return json.is_none() ? base : tool::rules_from_json(json.cast<std::string>(), base);
+        if (json.is_none()) return base;
+        return tool::rules_from_json(json.cast<std::string>(), base, !profile.is_none());
     } catch (const tool::wrong_usage& wrong) {
         constexpr std::string_view known = "the rules";  // the argument is named anyway
         std::string reason = wrong.what();
@@ -70,13 +68,10 @@ tool::mesh mesh_of(call& c, py::handle pos, py::handle types, py::handle cells, 
     m.node_numbers = tool::numbering(0, m.pos.cols);
     take_cells(c, types, cells, m);
     if (facets.is_none()) return m;
-    const auto [in_file, read, kept] = facets.cast<std::tuple<std::uint64_t, std::uint64_t, std::uint64_t>>();
-    m.facets = tool::facet_counts{false, in_file, read, {}};
-    const auto tell = [&](std::uint64_t count, const char* what) {
-        if (count != 0) m.faults.push_back({"facets_not_read", count, tool::counted(count, "facet", "facets") + what});
-    };
-    tell(in_file - read, " not read");
-    tell(read - kept, " without area dropped");
+    const auto [in_file, read, kept, why] =
+        facets.cast<std::tuple<std::uint64_t, std::uint64_t, std::uint64_t, std::string>>();
+    m.facets = tool::facet_counts{false, in_file, read, read - kept, why};
+    if (in_file != read) m.faults.push_back(tool::unread_facets(*m.facets));
     return m;
 }
 
@@ -112,6 +107,8 @@ py::dict fault_of(const tool::mesh& m, const tool::found& f)
     fault["count"] = f.count;
     fault["of"] = f.of;
     fault["text"] = f.text;
+    fault["first_at"] = py::none();
+    if (const auto& at = f.first_at; at) fault["first_at"] = py::make_tuple((*at)[0], (*at)[1], (*at)[2]);
     fault["nodes"] = of_nodes ? rows_of(f.ids.data(), f.ids.data() + f.ids.size(), 0) : rows_of(nullptr, nullptr, 0);
     fault["elements"] = of_nodes ? py::dict() : elements_of(m, f.ids);
     return fault;
@@ -172,7 +169,7 @@ py::dict verdict_of(const tool::mesh& m, const tool::examination& v, const tool:
     return result;
 }
 
-py::dict check(py::handle pos, py::handle types, py::handle cells, const std::string& profile, py::handle rules,
+py::dict check(py::handle pos, py::handle types, py::handle cells, py::handle profile, py::handle rules,
                py::handle facets)
 {
     call c("check");
@@ -182,25 +179,14 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, const std::st
     return verdict_of(m, verdict, by);
 }
 
-// Whether the file is a text, its facets, those that the library reads, and its solids; none where it is no STL file.
-py::object survey_stl(const std::string& file)
+// An STL file as the program reads it: nodes, triangles without collapsed ones, facets of the file and those read, why
+// not all, and whether it is a text.
+py::tuple read_stl(const std::string& file)
 {
-    try {
-        const tool::stl_survey survey = tool::survey_stl(tool::input_file(file), {});
-        return py::make_tuple(survey.format == tool::stl_format::ascii, survey.facets_in_file, survey.facets_read,
-                              survey.solids);
-    } catch (const tool::unreadable&) {
-        return py::none();
-    }
-}
-
-// All solids of a text as one surface, which the program checks so: nodes, triangles, facets of the file and those read.
-py::tuple read_solids(const std::string& file)
-{
-    const call c("read");
+    call c("read");
     tool::mesh m;
     try {
-        m = tool::read_stl(tool::source::open(file));
+        m = c.run([&] { return tool::read_stl(tool::source::open(file)); });
     } catch (const tool::unreadable& problem) {
         c.refuse("file", problem.what());
     }
@@ -212,7 +198,7 @@ py::tuple read_solids(const std::string& file)
     c.translate(lib::remove_degenerated(triangles, new_ids));
     c.translate(lib::simplify(points, triangles));
     return py::make_tuple(handed_over(std::move(points), 3), handed_over(std::move(triangles), 3), m.facets->in_file,
-                          m.facets->read);
+                          m.facets->read, m.facets->why_not_read, m.facets->ascii);
 }
 
 py::list all_faults()
@@ -235,8 +221,7 @@ py::dict kind_words()
 void define_check(py::module_& m)
 {
     m.def("check", &check);
-    m.def("survey_stl", [](const py::bytes& file) { return survey_stl(file); });
-    m.def("read_solids", [](const py::bytes& file) { return read_solids(file); });
+    m.def("read_stl", [](const py::bytes& file) { return read_stl(file); });
     m.def("fault_codes", &all_faults);
     m.def("kind_words", &kind_words);
 }

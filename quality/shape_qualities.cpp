@@ -1,10 +1,11 @@
 #include <tessolv/quality.h>
 
+#include <algorithm>
+#include <limits>
+
 #include "core/columns.h"
 #include "core/mesh_range.h"
 #include "core/return_codes.h"
-#include "quality/score.h"
-#include "quality/shape_measures.h"
 #include "quality/wide_scores.h"
 
 namespace zeb::tessolv {
@@ -33,72 +34,47 @@ int check(const dense2D<double>& pos, const dense2D<unsigned int>& connect, int 
     return check_IDs(connect, kind, as_bound(pos.cols)) ? success : bad_argument(2);
 }
 
-// Scores triangles and quadrangles in one matrix, run by run of equal shape.
-template <std::size_t D>
-void score_faces(const node_positions& pos, const dense2D<unsigned int>& connect, double* qualities)
+// Scores triangles and quadrangles in one matrix, run by run of equal shape; short runs without lanes left over.
+void score_faces(const dense2D<double>& pos, const dense2D<unsigned int>& connect, std::size_t space,
+                 const score_functions& widest, double* qualities)
 {
     const auto is_triangle = [&](std::uint64_t e) { return column(connect, e)[3] == NONE_INDEX; };
     for (std::uint64_t first = 0, last = 0; first < connect.cols; first = last) {
         const bool triangles = is_triangle(first);
         do ++last;
         while (last < connect.cols && is_triangle(last) == triangles);
-        if (triangles)
-            score<D, 3>(pos, connect, first, last, qualities, triangle);
-        else
-            score<D, 4>(pos, connect, first, last, qualities, quadrangle);
+        const score_functions& chosen = last - first < 8 ? two_at_a_time : widest;
+        (triangles ? chosen.triangles : chosen.quadrangles)[space](pos, connect, first, last, qualities);
     }
 }
 
-template <std::size_t D>
-void score_surface(const node_positions& pos, const dense2D<unsigned int>& connect, element_type kind,
-                   double* qualities)
-{
-    if (connect.rows == 3)
-        score<D, 3>(pos, connect, 0, connect.cols, qualities, triangle);
-    else if (kind == EL_QUAD4)
-        score<D, 4>(pos, connect, 0, connect.cols, qualities, quadrangle);
-    else
-        score_faces<D>(pos, connect, qualities);
-}
-
-template <std::size_t N>
-void score_solids(const dense2D<double>& pos, const dense2D<unsigned int>& connect, double* qualities,
-                  shape_measure<3, N> measure, wide_score* four_at_a_time)
-{
-    if (has_wide_lanes())
-        four_at_a_time(pos, connect, qualities);
-    else
-        score(node_positions(pos), connect, 0, connect.cols, qualities, measure);
-}
-
 // Scores a matrix that is not empty and has passed the check; writes one value per column.
-void score_matrix(const dense2D<double>& coordinates, const dense2D<unsigned int>& connect, int type, double* qualities)
+void score_matrix(const dense2D<double>& pos, const dense2D<unsigned int>& connect, int type, double* qualities)
 {
-    const node_positions pos(coordinates);
-    const std::uint64_t n = connect.cols;
+    const score_functions widest = widest_scores();
+    const auto score = [&](score_function* by) { by(pos, connect, 0, connect.cols, qualities); };
+    const std::size_t space = pos.rows - 2;  // surface elements have a measure in the plane and one in space
     switch (const element_type kind = measure_of(type)) {
         case EL_EDGE2:
-            std::fill_n(qualities, n, 1.0);
-            break;
+            std::fill_n(qualities, connect.cols, 1.0);
+            return;
         case EL_TETRA4:
-            score_solids(coordinates, connect, qualities, tetrahedron, score_tetrahedra_four_at_a_time);
-            break;
+            return score(widest.tetrahedra);
         case EL_PYRAMID5:
-            score(pos, connect, 0, n, qualities, pyramid);
-            break;
+            return score(widest.pyramids);
         case EL_WEDGE6:
-            score_solids(coordinates, connect, qualities, wedge, score_wedges_four_at_a_time);
-            break;
+            return score(widest.wedges);
         case EL_HEXA8:
-            score_solids(coordinates, connect, qualities, hexahedron, score_hexahedra_four_at_a_time);
-            break;
-        default:  // surface elements have a measure in the plane and one in space
-            if (pos.rows == 2)
-                score_surface<2>(pos, connect, kind, qualities);
-            else if (pos.rows == 3)
-                score_surface<3>(pos, connect, kind, qualities);
+            return score(widest.hexahedra);
+        default:
+            if (pos.rows != 2 && pos.rows != 3)
+                std::fill_n(qualities, connect.cols, 0.0);
+            else if (connect.rows == 3)
+                score(widest.triangles[space]);
+            else if (kind == EL_QUAD4)
+                score(widest.quadrangles[space]);
             else
-                std::fill_n(qualities, n, 0.0);
+                score_faces(pos, connect, space, widest, qualities);
     }
 }
 

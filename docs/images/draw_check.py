@@ -128,14 +128,14 @@ def terminal_lines(text, left, top, line_height):
     y, drawn = top, []
     for number, line in enumerate([f'$ tessolv check {PART}'] + text.splitlines()):
         kind = 'prompt' if number == 0 else 'wrong' if line.startswith('!') or 'NOT CLEAN' in line else 'plain'
-        for piece in folded(line, 84):
+        for piece in folded(line, 102):
             drawn.append(f'<text x="{left}" y="{y:g}" class="{kind}">{escape(piece)}</text>')
             y += line_height
     return '\n'.join(drawn), y
 
 
 STYLE = """
-text { fill: #d6deeb } text.prompt { fill: #7fdbca } text.wrong { fill: #ff6b6b } text.legend { fill: #333d47 }
+text { fill: #d6deeb; white-space: pre } text.prompt { fill: #7fdbca } text.wrong { fill: #ff6b6b } text.legend { fill: #333d47 }
 path { stroke-linejoin: round; stroke-linecap: round } .mesh path { stroke: #5d6b7a; stroke-width: .35 }
 path.free, .mesh path.free { fill: none; stroke: #e8112d; stroke-width: 3.2 }
 path.many, .mesh path.many { fill: none; stroke: #ff9f1c; stroke-width: 3.2 }
@@ -145,7 +145,7 @@ path.pointer { stroke: #333d47; stroke-width: 1 }
 
 def picture(text, points, triangles):
     lines, height = terminal_lines(text, 24, 40, 17)
-    left, width, legend = 728, 512, 48
+    left, width, legend = 862, 512, 48
     view = (width, height - legend, 3.9)
     return f'''<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {left + width} {height:g}" \
 font-family="DejaVu Sans Mono, Menlo, Consolas, monospace" font-size="13" xml:space="preserve">

@@ -13,7 +13,7 @@ from numpy.typing import NDArray
 from . import _tessolv
 from ._conventions import ElementType
 from ._errors import Error
-from ._io import STL_input, STL_output, WavefrontOBJ_input
+from ._io import STL_output, WavefrontOBJ_input
 from ._mesh_data import Facets, MeshData
 from ._numbering import MESHIO_NAMES, VTK_CELLS, from_numbering, to_numbering
 
@@ -100,17 +100,8 @@ def vtk_arrays(mesh: MeshData) -> Any:
 
 
 def _parts_of_stl(path: Path) -> Parts:
-    survey = _tessolv.survey_stl(os.fsencode(path))
-    is_text, in_file, read, solids = survey or (True, 0, 0, 1)
-    if solids > 1:  # of which the library's reader takes the first
-        pos, connect, in_file, read = _tessolv.read_solids(os.fsencode(path))
-    else:
-        pos, connect = STL_input(path, is_text)  # says what is wrong with a file that cannot be opened
-    if survey is None:
-        raise Error("read", None, "file", "is no STL file, neither text nor binary")
-    kept = len(connect)
-    facets = Facets(max(in_file, kept), max(read, kept), kept)
-    return Parts(pos, {ElementType.TRIA3: connect}, facets=facets)
+    pos, connect, in_file, read, why, _ = _tessolv.read_stl(os.fsencode(path))
+    return Parts(pos, {ElementType.TRIA3: connect}, facets=Facets(in_file, read, len(connect), why))
 
 
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:

@@ -36,6 +36,7 @@ class Fault:
         count: how many there are.
         of: how many nodes, elements, edges or faces were looked at; 0 where there is no such number.
         text: in words.
+        first_at: the first node, or the middle of the first element or face; None where it has no place.
         nodes: rows of the points at fault.
         elements: for each kind the rows of the elements at fault, or of those whose faces are.
     """
@@ -45,6 +46,7 @@ class Fault:
     count: int
     of: int
     text: str
+    first_at: Optional[Tuple[float, float, float]]
     nodes: NDArray[np.int64]
     elements: Mapping[ElementType, NDArray[np.int64]]
 
@@ -61,7 +63,8 @@ class Fault:
 class KindSummary:
     """Elements of one kind by quality; lines and points have None beside their number.
 
-    `histogram` counts ten bins of a tenth from 0 to 1; inverted elements are not in it.
+    `histogram` counts ten bins of a tenth from 0 to 1; inverted elements are not in it. Where no quality is a number,
+    `min`, `mean` and `max` are NaN.
     """
 
     count: int
@@ -101,7 +104,7 @@ class Verdict:
         free_faces: of one element.
         nonmanifold_faces: of three or more elements.
         box: of the nodes with finite coordinates; None without any.
-        shortest_edge: that is not of length 0; 0 without one.
+        shortest_edge: its length; 0 without an edge.
         rules: those in force, as `check` takes them.
     """
 
@@ -277,15 +280,19 @@ def _summary(values: Mapping[str, Any]) -> KindSummary:
 def _summary_fields(kind: KindSummary) -> Dict[str, Any]:
     if kind.min is None or kind.histogram is None:
         return {"count": kind.count}
-    quality = {**asdict(kind), "histogram": list(kind.histogram)}
+    quality: Dict[str, Any] = {**asdict(kind), "histogram": list(kind.histogram)}
+    for name in ("min", "mean", "max"):
+        quality[name] = None if np.isnan(quality[name]) else quality[name]
     return {"count": quality.pop("count"), "quality": quality}
 
 
 def _fault_fields(fault: Fault) -> Dict[str, Any]:
-    ids = {KIND_WORDS[type][0]: rows.tolist() for type, rows in fault.elements.items()}
+    ids: Dict[str, List[int]] = {KIND_WORDS[type][0]: rows.tolist() for type, rows in fault.elements.items()}
     if len(fault.nodes):
         ids = {"node": fault.nodes.tolist()}
-    return {**{name: getattr(fault, name) for name in ("code", "level", "count", "of", "text")}, "ids": ids}
+    first_at = None if fault.first_at is None else list(fault.first_at)
+    fields = {name: getattr(fault, name) for name in ("code", "level", "count", "of", "text")}
+    return {**fields, "first_at": first_at, "ids": ids}
 
 
 def rules_text(rules: Optional[Rules]) -> Optional[str]:
@@ -306,7 +313,7 @@ def check(
     points: ArrayLike,
     cells: Mapping[Any, ArrayLike],
     *,
-    profile: str = "default",
+    profile: Optional[str] = None,
     rules: Optional[Rules] = None,
     facets: Optional[Tuple[int, int, int]] = None,
 ) -> Verdict:
@@ -317,7 +324,7 @@ def check(
     Args:
         points: shape (nodes, 2 or 3).
         cells: for each element type an array of shape (elements, nodes), in the numbering of the library.
-        profile: "default", "solver", "shell" or "closed".
+        profile: "default", "solver", "shell" or "closed"; it counts more than one in the rules.
         rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
         facets: for a surface of an STL file, in which an open edge is a fault: see `Facets`.
 
@@ -330,18 +337,18 @@ def check(
     """
     if not isinstance(cells, Mapping):
         raise Error("check", None, "cells", "is no mapping of element types to arrays")
-    if not isinstance(profile, str):
+    if not (profile is None or isinstance(profile, str)):
         raise Error("check", None, "profile", "is no text")
     text = rules_text(rules)
     counts = None if facets is None else _facets(facets)
     return Verdict(_tessolv.check(points, list(cells), list(cells.values()), profile, text, counts))
 
 
-def _facets(facets: Any) -> Tuple[int, int, int]:
+def _facets(facets: Any) -> Tuple[int, int, int, str]:
     try:
         in_file, read, kept = (int(count) for count in facets)
     except (TypeError, ValueError, OverflowError):
         raise Error("check", None, "facets", "are no three numbers") from None
     if not 0 <= kept <= read <= in_file < 2**63:
         raise Error("check", None, "facets", "do not descend from those in the file to those kept")
-    return in_file, read, kept
+    return in_file, read, kept, str(getattr(facets, "why_not_read", ""))

@@ -118,13 +118,13 @@ class Mesh(MeshData):
         """The box of all points."""
         return _geometry.inc_bounding_box(self.points)
 
-    def check(self, *, profile: str = "default", rules: Optional[Rules] = None) -> Verdict:
+    def check(self, *, profile: Optional[str] = None, rules: Optional[Rules] = None) -> Verdict:
         """What is wrong in the mesh: the findings of `tessolv check`, from the same code.
 
         Open edges are a fault in a surface of an STL file, see `facets`; in others they are a note.
 
         Args:
-            profile: "default", "solver", "shell" or "closed", see docs/check.md.
+            profile: "default", "solver", "shell" or "closed", see docs/check.md; it counts more than one in the rules.
             rules: a dictionary, JSON text or the path of a JSON file; what it leaves out is as in the profile.
 
         Raises:

@@ -30,16 +30,28 @@ LINEAR = {
 }
 
 
-class Facets(NamedTuple):
-    """The facets of an STL file: how many it holds, how many were read, how many became triangles.
-
-    All solids of a text file are one surface. With one solid reading stops at the first malformed facet, with several such a
-    facet is passed over. Facets without area are dropped.
-    """
-
+class _FacetCounts(NamedTuple):
     in_file: int
     read: int
     kept: int
+
+
+class Facets(_FacetCounts):
+    """The facets of an STL file: how many it holds, how many were read, how many became triangles.
+
+    All solids of a text file are one surface. With one solid reading stops at the first malformed facet, with several such a
+    facet is passed over. Facets that collapse in the weld are dropped.
+
+    Attributes:
+        why_not_read: why some were not read, in words; empty when all were.
+    """
+
+    why_not_read: str
+
+    def __new__(cls, in_file: int, read: int, kept: int, why_not_read: str = "") -> Facets:
+        facets = super().__new__(cls, in_file, read, kept)
+        facets.why_not_read = why_not_read
+        return facets
 
 
 class MeshData:

@@ -153,6 +153,9 @@ async function testSurface(subject) {
   equal(await chosen(page), "", "chosen after Escape");
   await changes(page, "a window of another size", () => page.setViewportSize({ width: 420, height: 800 }));
   expect(await page.evaluate(() => document.documentElement.scrollWidth <= innerWidth), "a narrow page is wider than its window");
+  await page.setViewportSize({ width: 1200, height: 800 });
+  expect(await page.evaluate(() => [...document.querySelectorAll("#quality .wide")].every(table => table.scrollWidth <= table.clientWidth)),
+    "a table of qualities is wider than its room");
   await page.context().close();
 }
 

@@ -140,6 +140,44 @@ TEST(WavefrontOBJInput, KeepsWhatWasReadWithoutMemory)
     EXPECT_EQ(open_files(), before);
 }
 
+TEST(WavefrontOBJInput, ReadsALargeFileWhenOnlyItsForesightIsRefused)
+{
+    constexpr unsigned nodes = 20000;
+    const std::string end = std::string(200, ' ') + '\n';
+    std::string text;
+    for (unsigned j = 0; j < nodes; ++j) text += "v " + std::to_string(j) + ".25 0 1" + end;
+    for (unsigned j = 2; j < nodes; ++j)
+        text += "f " + std::to_string(j - 1) + ' ' + std::to_string(j) + ' ' + std::to_string(j + 1) + end;
+    const temporary_file file(text);
+    int survived = 0;
+    for_each_failure([&](attempt& run) {
+        obj_mesh m;
+        m.code = run([&] { return WavefrontOBJ_input(file.name(), m.pos, m.normals, m.uvs, m.trias, m.quads); });
+        if (m.code != 0) return;
+        survived += run.failed();
+        ASSERT_EQ(m.pos.cols, nodes);
+        ASSERT_EQ(m.trias.cols, nodes - 2);
+        for (unsigned j = 0; j < nodes; ++j) ASSERT_EQ(m.pos(0, j), j + 0.25);
+        for (unsigned j = 0; j < nodes - 2; ++j) ASSERT_EQ(m.trias(2, j), j + 2);
+    });
+    EXPECT_GT(survived, 0) << "room for the rest of the file is a convenience";
+}
+
+TEST(WavefrontOBJInput, ReservesNoMoreThanTheFileMayHold)
+{
+    std::string text;
+    for (int k = 0; k < 300000; ++k) text += "v 1 2 3\n";
+    constexpr std::size_t bytes_of_line = 8;
+    const std::size_t lines = text.size() / bytes_of_line;
+    text += std::string(8000000, '\n');
+    const temporary_file file(text);
+    obj_mesh m;
+    const failing_memory watch(0, false);
+    EXPECT_EQ(WavefrontOBJ_input(file.name(), m.pos, m.normals, m.uvs, m.trias, m.quads), 0);
+    EXPECT_EQ(m.pos.cols, lines);
+    EXPECT_LT(watch.largest_request(), 2 * sizeof(double[3]) * text.size() / bytes_of_line);
+}
+
 TEST(WavefrontOBJOutput, LeavesAnEmptyFileWithoutMemory)
 {
     const dense2D<double> pos = points({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});

@@ -79,6 +79,27 @@ TEST(AreValidMetrics, OfTensors)
     EXPECT_FALSE(are_valid_metrics(tensors({{1, 0, 1, 0, 0, inf}})));
 }
 
+// The columns are looked at several at a time, and once more where a first look leaves them open.
+TEST(AreValidMetrics, OfTensorsAreFalseForABadOneInAnyPlace)
+{
+    const std::vector<float> sound = {2, 1, 2, 0, 1, 2}, long_and_thin = {1, 0, 1e-7f, 0, 0, 1e-7f};
+    for (std::size_t columns = 1; columns <= 9; ++columns) {
+        for (std::size_t place = 0; place < columns; ++place) {
+            std::vector<std::vector<float>> all(columns, sound);
+            all[place] = long_and_thin;
+            EXPECT_TRUE(are_valid_metrics(tensors(all))) << place << " of " << columns;
+            for (const std::vector<float>& bad : {std::vector<float>{2, 3, 2, 0, 1, 2},
+                                                  {-1, 0, -1, 0, 0, 1},
+                                                  {1, 0, 1, 0, 0, 0},
+                                                  {1, 0, 1, 0, 0, nan_value},
+                                                  {inf, 0, 1, 0, 0, 1}}) {
+                all[place] = bad;
+                EXPECT_FALSE(are_valid_metrics(tensors(all))) << place << " of " << columns;
+            }
+        }
+    }
+}
+
 TEST(AreValidMetrics, OfTensorsAreFalseForFourRowsAndTrueForThreeOrSixWithoutColumns)
 {
     EXPECT_TRUE(are_valid_metrics(filled(3, 0, 0.f)));

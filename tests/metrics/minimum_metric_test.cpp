@@ -283,6 +283,32 @@ TEST(MinimumMetric, InACommonFrameTakesTheGreaterEigenvalues)
     }
 }
 
+// Where the two tensors are nearly the same, all eigenvalues of the one in terms of the other lie around 1.
+TEST(MinimumMetric, OfNearlyEqualTensorsIsNearBoth)
+{
+    std::mt19937_64 random(24);
+    std::normal_distribution<double> normal;
+    for (int round = 0; round < 2000 && !HasFatalFailure(); ++round) {
+        const auto M1 = random_tensor<3>(random, 3);
+        const double closeness = std::pow(10.0, -static_cast<double>(round % 18));
+        S3 M2 = M1, found;
+        for (double& m : M2) m += closeness * 1e-4 * normal(random);
+        ASSERT_TRUE(minimum_metric(M1, M2, found));
+        const long double error = 1e-14L + 1e-15L * test::sorted_eigenvalues(M1)[2] / test::sorted_eigenvalues(M1)[0];
+        expect_close(found, intersected(M1, M2), error * test::largest_entry(M1));
+    }
+}
+
+TEST(MinimumMetric, OfATensorAndAGreaterOneIsTheGreaterToTheBit)
+{
+    const S3 lesser(4, 1, 5, 0, 1, 6), greater(8, 2, 11, 0, 2, 13);
+    S3 found;
+    EXPECT_TRUE(minimum_metric(lesser, greater, found));
+    EXPECT_EQ(found, greater);
+    EXPECT_TRUE(minimum_metric(greater, lesser, found));
+    EXPECT_EQ(found, greater);
+}
+
 // The closed form in 2-D knows nearly equal eigenvalues to 1e-8; the axes it must not exchange.
 TEST(MinimumMetric, OfTensorsWithTheSameAxesIn2DKeepsTheAxes)
 {

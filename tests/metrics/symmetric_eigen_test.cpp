@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cstdint>
 #include <limits>
 #include <random>
 
+#include "metrics/certain_validity.h"
+#include "metrics/direct_spectrum.h"
 #include "metrics/reference.h"
 
 using namespace zeb;
@@ -130,20 +130,87 @@ TEST(SymmetricEigen, In3DIsExactToTheSizeOfTheTensor)
     }
 }
 
-TEST(SymmetricEigen, ValuesAloneIn3DAreThoseOfTheDecompositionToTheBit)
+void expect_direct_values(const S3& M, long double roundings)
 {
-    std::mt19937 random(5);
-    const auto entry = [&](unsigned kind) {
+    const auto expected = test::sorted_eigenvalues(M);
+    const auto found = direct_eigenvalues(M);
+    const long double size = std::max(std::abs(expected[0]), std::abs(expected[2]));
+    for (unsigned k = 0; k < 3; ++k)
+        ASSERT_LE(std::abs(found[k] - expected[k]), roundings * 1.1e-16L * size) << testing::PrintToString(M);
+    ASSERT_TRUE(found[0] <= found[1] && found[1] <= found[2]) << testing::PrintToString(found);
+}
+
+// Small whole numbers make equal eigenvalues common, tiny ones leave the range of the formulas.
+TEST(SymmetricEigen, DirectValuesIn3DAreExactToTheSizeOfTheTensor)
+{
+    std::mt19937_64 random(5);
+    const auto entry = [&](int kind) {
         const double whole = static_cast<double>(random() % 5) - 2.0;
-        return kind == 0 ? whole : kind == 1 ? whole * 1e-120 : static_cast<double>(random()) * 1e-9 - 2.0;
+        return kind == 0 ? whole : kind == 1 ? whole * 1e-120 : static_cast<double>(random() % 1000000) * 4e-6 - 2.0;
     };
-    for (int trial = 0; trial < 30000; ++trial) {
+    for (int trial = 0; trial < 6000 && !HasFatalFailure(); ++trial) {
         S3 M;
         for (double& m : M) m = entry(trial % 3);
-        const auto values = decomposed_eigenvalues(M), expected = eigen_decomposition(M).values;
-        for (unsigned k = 0; k < 3; ++k)
-            ASSERT_EQ(std::bit_cast<std::uint64_t>(values[k]), std::bit_cast<std::uint64_t>(expected[k])) << trial;
+        expect_direct_values(M, 40);
+        expect_direct_values(test::tensor_of(test::random_frame<3>(random), random_values<3>(random, trial)), 40);
     }
+}
+
+// Two eigenvalues that differ in the last digits, where the roots of the polynomial have half of their digits.
+TEST(SymmetricEigen, DirectValuesIn3DKeepNearlyEqualOnesApart)
+{
+    std::mt19937_64 random(6);
+    for (int trial = 0; trial < 2000 && !HasFatalFailure(); ++trial) {
+        const long double gap = std::pow(10.0L, -17.0L * static_cast<long double>(random() % 1000) / 1000);
+        const test::values_of<3> values{1, trial % 2 == 0 ? 1 + gap : 2, trial % 2 == 0 ? -3 : 2 - gap};
+        expect_direct_values(test::tensor_of(test::random_frame<3>(random), values), 20);
+    }
+}
+
+TEST(SymmetricEigen, DirectFormulasTellWhatTheyDoNotReach)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    direct_spectrum s;
+    EXPECT_TRUE(solve_directly(S3(2, 1, 3, 0, 1, 4), s));
+    EXPECT_TRUE(solve_directly(S3(1e-30, 0, 0, 0, 1e-40, 0), s));
+    for (const S3& M : {S3(), S3(5, 0, 5, 0, 0, 5), S3(1, 1e-70, 1, 0, 0, 1), S3(1e60, 1, 1, 0, 0, 1),
+                        S3(1, 0, 1, 0, infinity, 1), S3(std::numeric_limits<double>::quiet_NaN(), 0, 1, 0, 1, 1)})
+        EXPECT_FALSE(solve_directly(M, s)) << testing::PrintToString(M);
+}
+
+// The least eigenvalue over the greatest goes from the precision of a double up to what is certain.
+TEST(CertainValidity, IsNeverThatOfNearlySingularOrIndefiniteTensors)
+{
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> unit;
+    int certain = 0;
+    for (int trial = 0; trial < 6000; ++trial) {
+        const double least = std::pow(10.0, -16.0 + 12.0 * unit(random)) * (trial % 3 == 0 ? -1 : 1);
+        const double between = trial % 2 == 0 ? std::pow(10.0, -6 * unit(random)) : trial % 5 == 0 ? -unit(random) : 1;
+        const double scale = std::pow(10.0, 60 * unit(random) - 30);
+        const auto M = test::tensor_of(test::random_frame<3>(random),
+                                       {least * scale, between * scale, (trial % 7 == 0 ? -1 : 1) * scale});
+        const double entries[] = {M[0], M[1], M[2], M[3], M[4], M[5]};
+        if (!is_certainly_valid(entries)) continue;
+        ++certain;
+        const auto values = test::sorted_eigenvalues(M);
+        ASSERT_GT(values[0], 9e-13L * values[2]) << testing::PrintToString(M);
+    }
+    EXPECT_GT(certain, 500);
+}
+
+TEST(CertainValidity, IsNotThatOfEntriesBeyondTheRange)
+{
+    for (const double odd :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e200}) {
+        for (unsigned k = 0; k < 6; ++k) {
+            double entries[] = {1, 0, 1, 0, 0, 1};
+            EXPECT_TRUE(is_certainly_valid(entries));
+            entries[k] = odd;
+            EXPECT_FALSE(is_certainly_valid(entries)) << odd << " in " << k;
+        }
+    }
+    EXPECT_FALSE(is_certainly_valid({1e-60, 0.0, 1e-60, 0.0, 0.0, 1e-60}));
 }
 
 // A root of x^2 - t x + d with an error of e in the discriminant is wrong by sqrt(e) where two roots meet.

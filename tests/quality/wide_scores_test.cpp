@@ -8,8 +8,6 @@
 #include <limits>
 #include <vector>
 
-#include "quality/score.h"
-#include "quality/shape_measures.h"
 #include "support/random_meshes.h"
 
 using namespace zeb::tessolv;
@@ -38,37 +36,52 @@ bool same_bits(double a, double b)
     return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (std::isnan(a) && std::isnan(b));
 }
 
-template <std::size_t N>
-void expect_the_same(element_type type, shape_measure<3, N> measure, wide_score* four_at_a_time)
+struct measured_kind {
+    const char* name;
+    element_type type;
+    std::size_t corners;
+    std::uint64_t rows;  // of the coordinates; 0: any
+    score_function* (*choose)(const score_functions&);
+};
+
+constexpr measured_kind kinds[] = {
+    {"tetrahedra", EL_TETRA4, 4, 0, [](const score_functions& all) { return all.tetrahedra; }},
+    {"pyramids", EL_PYRAMID5, 5, 0, [](const score_functions& all) { return all.pyramids; }},
+    {"wedges", EL_WEDGE6, 6, 0, [](const score_functions& all) { return all.wedges; }},
+    {"hexahedra", EL_HEXA8, 8, 0, [](const score_functions& all) { return all.hexahedra; }},
+    {"triangles in the plane", EL_TRIA3, 3, 2, [](const score_functions& all) { return all.triangles[0]; }},
+    {"triangles in space", EL_TRIA3, 3, 3, [](const score_functions& all) { return all.triangles[1]; }},
+    {"quadrangles in the plane", EL_QUAD4, 4, 2, [](const score_functions& all) { return all.quadrangles[0]; }},
+    {"quadrangles in space", EL_QUAD4, 4, 3, [](const score_functions& all) { return all.quadrangles[1]; }},
+};
+
+void expect_the_same(const measured_kind& kind, const score_functions& wider)
 {
-    if (!has_wide_lanes()) GTEST_SKIP() << "a processor without AVX2";
-    dice random(N);
-    for (int trial = 0; trial < 2000; ++trial) {
-        const unsigned nodes = static_cast<unsigned>(N) + random.below(20), elements = 1 + random.below(20);
-        const auto pos = random_nodes(random, 2 + random.below(3), nodes);
-        const auto connect = random_elements(random, type, N, elements, nodes);
+    dice random(static_cast<unsigned>(kind.corners));
+    for (int trial = 0; trial < 1000; ++trial) {
+        const unsigned nodes = static_cast<unsigned>(kind.corners) + random.below(20);
+        const unsigned elements = 1 + random.below(40), first = random.below(elements);
+        const auto pos = random_nodes(random, kind.rows != 0 ? kind.rows : 2 + random.below(3), nodes);
+        const auto connect = random_elements(random, kind.type, kind.corners, elements, nodes);
         std::vector<double> narrow(elements + 1, 7.0), wide = narrow;
-        score(node_positions(pos), connect, 0, elements, narrow.data(), measure);
-        four_at_a_time(pos, connect, wide.data());
+        kind.choose(two_at_a_time)(pos, connect, first, elements, narrow.data());
+        kind.choose(wider)(pos, connect, first, elements, wide.data());
         for (std::size_t e = 0; e <= elements; ++e)
-            ASSERT_TRUE(same_bits(wide[e], narrow[e]))
-                << "trial " << trial << ", element " << e << ": " << wide[e] << " instead of " << narrow[e];
+            ASSERT_TRUE(same_bits(wide[e], narrow[e])) << kind.name << ", trial " << trial << ", element " << e << ": "
+                                                       << wide[e] << " instead of " << narrow[e];
     }
 }
 
 }  // namespace
 
-TEST(WideScores, OfTetrahedraAreThoseOfTwoAtATimeToTheBit)
+TEST(WideScores, FourAtATimeAreThoseOfTwoAtATimeToTheBit)
 {
-    expect_the_same(EL_TETRA4, tetrahedron, score_tetrahedra_four_at_a_time);
+    if (!has_four_lanes()) GTEST_SKIP() << "a processor without AVX2";
+    for (const auto& kind : kinds) expect_the_same(kind, four_at_a_time);
 }
 
-TEST(WideScores, OfWedgesAreThoseOfTwoAtATimeToTheBit)
+TEST(WideScores, EightAtATimeAreThoseOfTwoAtATimeToTheBit)
 {
-    expect_the_same(EL_WEDGE6, wedge, score_wedges_four_at_a_time);
-}
-
-TEST(WideScores, OfHexahedraAreThoseOfTwoAtATimeToTheBit)
-{
-    expect_the_same(EL_HEXA8, hexahedron, score_hexahedra_four_at_a_time);
+    if (!has_eight_lanes()) GTEST_SKIP() << "a processor without AVX-512";
+    for (const auto& kind : kinds) expect_the_same(kind, eight_at_a_time);
 }

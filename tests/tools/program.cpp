@@ -34,6 +34,10 @@ void redirect(const std::string& path, int descriptor)
 {
     redirect(out, STDOUT_FILENO);
     redirect(err, STDERR_FILENO);
+    if (!options.standard_input.empty()) {
+        const int file = open(options.standard_input.c_str(), O_RDONLY | O_CLOEXEC);
+        if (file < 0 || dup2(file, STDIN_FILENO) < 0) _exit(127);
+    }
     if (options.working_directory && chdir(options.working_directory->c_str()) != 0) _exit(127);
     if (options.memory) {
         const rlimit limit{*options.memory, *options.memory};

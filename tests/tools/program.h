@@ -15,6 +15,7 @@ struct run_options {
     std::string interrupted_in = {};                    // SIGINT once a file without its name grows in that folder
     std::vector<std::string> environment = {};          // NAME=value, beside LC_ALL=C
     std::optional<std::string> working_directory = {};  // of the program
+    std::string standard_input = {};                    // a file for it
 };
 
 struct run_result {

@@ -5,14 +5,10 @@
 #include <new>
 #include <utility>
 
-#include "check/mesh_report.h"
-#include "check/surface_json_report.h"
-#include "check/surface_report.h"
-#include "check/surface_text_report.h"
-#include "commands/files.h"
 #include "errors.h"
 #include "findings/bad_elements.h"
 #include "formats/file_beside.h"
+#include "formats/stl_read.h"
 #include "progress.h"
 #include "terminal.h"
 #include "words.h"
@@ -20,29 +16,51 @@
 namespace tool {
 namespace {
 
-// What cannot be opened, or tells nothing of itself, goes the way of STL too if its name says so.
-bool is_stl_file(const std::string& path, const std::optional<std::string>& format)
+// Any bytes can be read as binary facets, but only STL as a text with facets.
+bool is_of_another_format(const source& from, const check_options& options)
 {
-    const source from = source::open(path);
-    if (from.size() == 0) return true;
-    return input_format(from, format).name == "stl";
+    const std::optional<std::string>& named = options.shared.format;
+    if (!named && options.stl == stl_format::ascii) return false;
+    try {
+        return input_format(from, named).name != "stl";
+    } catch (const unreadable&) {
+        return false;  // what tells nothing of itself may be a damaged STL file
+    }
 }
 
-// The library's own writer, whose file is seen once it is whole.
-exit_status write_vtk(const std::string& path, const surface& surface)
+loaded load_stl(const std::string& path, const check_options& options)
 {
+    progress::stage("reading", path);
+    source from = source::open(path);
+    if (from.size() == 0) throw unreadable("is empty");
+    if (is_of_another_format(from, options)) throw unreadable("is no STL file, and --ascii and --binary are for these");
+    mesh content = read_stl_as(from, *options.stl);
+    progress::stage("working on", path);
+    return {std::move(from), &format_named("stl"), std::move(content)};
+}
+
+// The triangles without collapsed ones, by the library's own writer; the file is seen once it is whole.
+void write_vtk(const std::string& path, const mesh& m)
+{
+    zeb::dense2D<double> pos = m.pos;
+    zeb::dense2D<unsigned int> connect;
+    if (!m.blocks.empty()) connect = m.blocks.front().connect;
+    if (pos.cols != m.pos.cols || connect.cols != m.element_count()) throw std::bad_alloc();
+    zeb::dense1D<unsigned int> new_numbers;
+    checked(zeb::tessolv::remove_degenerated(connect, new_numbers), "remove_degenerated");
+    checked(zeb::tessolv::simplify(pos, connect), "simplify");
+    if (pos.empty()) resize(pos, 3, 0);
+
+    progress::stage("writing", path);
     try {
-        progress::stage("writing", path);
         file_beside file(path);
         constexpr int cannot_write = -1;
-        const int result = zeb::tessolv::vtk_output(file.name().c_str(), surface.pos, surface.connect, zeb::EL_TRIA3);
-        if (result == cannot_write) throw unwritable("cannot be written");
+        const int result = zeb::tessolv::vtk_output(file.name().c_str(), pos, connect, zeb::EL_TRIA3);
+        if (result == cannot_write) throw unwritable("the library's writer failed");
         checked(result, "vtk_output");
         file.commit();
-        return exit_clean;
-    } catch (const unwritable&) {
-        complain(path, "cannot be written");
-        return exit_unwritable;
+    } catch (const unwritable& reason) {
+        throw unwritable(std::string("cannot be written: ") + reason.what());
     }
 }
 
@@ -58,46 +76,53 @@ public:
     {
         const progress shown(!shared_.json && !shared_.quiet, path);
         try {
-            progress::stage("reading", path);
-            return is_told_by_facets(path, options_) ? check_facets(path) : check_mesh(path);
+            return look_at(path);
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
             complain(failed.file, failed.reason);
-            const bool unread = failed.status == exit_unreadable;
-            if (shared_.json && failed.status != exit_usage && failed.status != exit_unwritable)
-                print(json_line_without_report(path, unread ? "unreadable" : "failed", failed.reason));
-            return unread && shared_.skip_unreadable ? exit_clean : failed.status;
+            if (shared_.json) print(json_of_failure(path, failed));
+            return failed.status == exit_unreadable && shared_.skip_unreadable ? exit_clean : failed.status;
         }
     }
 
 private:
-    exit_status check_facets(const std::string& path)
+    exit_status look_at(const std::string& path)
     {
-        const input_file file(path);
-        if (shared_.output && file.is_same_file(*shared_.output)) {
-            complain(*shared_.output, "is the input file, which is never overwritten");
-            return exit_usage;
-        }
-        surface surface;
-        const surface_report report = inspect(path, file, options_.stl, surface);
-        const exit_status written = shared_.output ? write_vtk(*shared_.output, surface) : exit_clean;
-        show([&] { return json_line(report); }, [&] { return verdict_line(report, terminal_); },
-             [&] { return text_report(report, terminal_); });
-        return std::max(written, report.is_clean() ? exit_clean : exit_problems);
-    }
-
-    exit_status check_mesh(const std::string& path)
-    {
-        if (shared_.output) throw wrong_usage("--output is for the surfaces of STL files; see --extract and 'convert'");
-        const loaded input = load(path, shared_);
+        const loaded input = load_to_check(path, options_);
+        if (shared_.output) require_surface(input, *shared_.output);
         const rules by = rules_for(input.content);
         const examination verdict = examine(input.content, by);
-        if (options_.extract) extract(input.content, verdict);
-        const mesh_report report{
-            path, std::string(input.as->name), std::string(input.as->title), input.content, verdict, by, options_.ids};
+        const exit_status written = write_outputs(input.content, verdict);
+        const mesh_report report = report_on(input, path, verdict, by, options_.ids);
         show([&] { return json_of(report); }, [&] { return verdict_of(report, terminal_); },
              [&] { return text_of(report, terminal_); });
-        return verdict.is_clean() ? exit_clean : exit_problems;
+        return std::max(written, verdict.is_clean() ? exit_clean : exit_problems);
+    }
+
+    static void require_surface(const loaded& input, const std::string& output)
+    {
+        if (!input.content.facets)
+            throw wrong_usage("--output is for the surfaces of STL files; see --extract and 'convert'");
+        if (input.from.is_same_file(output))
+            throw failure(exit_usage, output, "is the input file, which is never overwritten");
+    }
+
+    // The verdict is told also where its elements cannot be written.
+    exit_status write_outputs(const mesh& m, const examination& verdict) const
+    {
+        exit_status status = exit_clean;
+        const auto write = [&](const std::optional<std::string>& path, auto work) {
+            try {
+                if (path) work(*path);
+            } catch (const std::exception&) {
+                const failure failed = failure_of(*path, std::current_exception());
+                complain(failed.file, failed.reason);
+                status = std::max(status, failed.status);
+            }
+        };
+        write(shared_.output, [&](const std::string& path) { write_vtk(path, m); });
+        write(options_.extract, [&](const std::string&) { extract(m, verdict); });
+        return status;
     }
 
     // The rules with the tolerance of the command line, which is a distance, in diagonals of this mesh.
@@ -116,8 +141,12 @@ private:
         shared_options to = shared_;
         to.output = options_.extract;
         to.format.reset();
-        if (left_out != 0 && !shared_.quiet)
-            remark(*to.output, counted(left_out, "element or node", "elements or nodes") + " without a place left out");
+        const auto tell = [&](const std::string& text) {
+            if (!shared_.quiet) remark(*to.output, text);
+        };
+        if (left_out != 0)
+            tell(counted(left_out, "element or node", "elements or nodes") + " without a place left out");
+        if (bad.blocks.empty()) return tell("not written: no element and no node is at fault");
         save(bad, to);
     }
 
@@ -152,16 +181,39 @@ rules rules_in_force(const check_options& options)
         const source from = source::open(*options.rules_file);
         std::string text(from.size(), '\0');
         from.read_at(0, text.data(), text.size());
-        return rules_from_json(text, base);
+        return rules_from_json(text, base, options.profile.has_value());
     } catch (const std::exception&) {
         throw failure_of(named, std::current_exception());
     }
 }
 
-bool is_told_by_facets(const std::string& path, const check_options& options)
+loaded load_to_check(const std::string& path, const check_options& options)
 {
-    if (options.is_general() || path == "-") return false;
-    return options.stl || is_stl_file(path, options.shared.format);
+    if (!options.stl) return load(path, options.shared);
+    try {
+        return load_stl(path, options);
+    } catch (const std::exception&) {
+        throw failure_of(path, std::current_exception());
+    }
+}
+
+mesh_report report_on(const loaded& input, const std::string& path, const examination& verdict, const rules& by,
+                      bool all_ids)
+{
+    std::string name(input.as->name);
+    std::string title(input.as->title);
+    if (const auto& facets = input.content.facets; facets) {
+        name = facets->ascii ? "ascii" : "binary";
+        title = facets->ascii ? "text STL" : "binary STL";
+    }
+    return {path, name, title, input.content, verdict, by, all_ids};
+}
+
+std::string json_of_failure(const std::string& path, const failure& failed)
+{
+    const bool unread = failed.status == exit_unreadable;
+    const std::string of = failed.file == path ? "" : failed.file + ": ";
+    return json_without_report(path, unread ? "unreadable" : "failed", of + failed.reason);
 }
 
 exit_status check(const check_options& options)

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "check/report.h"
+#include "commands/files.h"
 #include "commands/options.h"
 #include "exit_status.h"
 #include "findings/rules.h"
@@ -19,16 +21,20 @@ struct check_options {
     std::optional<std::string> rules_file;
     std::optional<std::string> extract;  // file for the elements at fault, for one input
     bool ids = false;
-
-    // STL files are judged like any other mesh.
-    bool is_general() const { return profile || rules_file || extract || ids || shared.tolerance; }
 };
 
 // What --profile and --rules say. Throws `failure`.
 rules rules_in_force(const check_options& options);
 
-// Whether the facets of the file are told, as the library's own reader takes them, instead of a mesh of any kind.
-bool is_told_by_facets(const std::string& path, const check_options& options);
+// Reads an input, an STL file as --ascii and --binary say. Throws `failure`.
+loaded load_to_check(const std::string& path, const check_options& options);
+
+// What `check` tells of an input; everything must outlive it.
+mesh_report report_on(const loaded& input, const std::string& path, const examination& verdict, const rules& by,
+                      bool all_ids);
+
+// The line of --json for an input that could not be judged.
+std::string json_of_failure(const std::string& path, const failure& failed);
 
 // tessolv check: reports on every file; the worst status counts.
 exit_status check(const check_options& options);

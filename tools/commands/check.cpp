@@ -9,14 +9,13 @@ namespace {
 
 constexpr const char* description = R"(says whether a mesh is sound, and what is wrong with it
 
-Of a mesh of any kind: numbers of nodes that are not there, duplicate,
-degenerate, inverted and poor elements, unused and coincident nodes, faces of
-three or more elements, open edges, neighbours that turn against each other,
-connected parts, the shortest edge. The verdict is the last line.
+Numbers of nodes that are not there, duplicate, degenerate, inverted and poor
+elements, unused and coincident nodes, faces of three or more elements, open
+edges, neighbours that turn against each other, surfaces inside out, connected
+parts, the shortest edge. The verdict is the last line.
 
-Of an STL file it tells what the library's reader makes of it: facets read,
-triangles and nodes after the weld, free and non-manifold edges. --profile,
---rules, --tolerance, --ids and --extract judge it like any other mesh.)";
+Of an STL file it tells also what the library's reader makes of it: facets
+read, triangles and nodes after the weld. Open edges are a fault there.)";
 
 constexpr const char* examples = R"(Examples:
   tessolv check part.stl

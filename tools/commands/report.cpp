@@ -80,7 +80,12 @@ std::function<exit_status()> declare_report(CLI::App& app)
         ->check(CLI::Range(0, 10'000'000));
     app.add_flag("--time", options->time, "say on the page when it was made");
     return [options] {
-        return for_each_file(options->judged.shared, [&](const std::string& path) { return report(path, *options); });
+        const shared_options& shared = options->judged.shared;
+        return for_each_file(
+            shared, [&](const std::string& path) { return report(path, *options); },
+            [&](const failure& failed) {
+                if (shared.json) tell(shared, json_of_failure(shared.files.front(), failed));
+            });
     };
 }
 

@@ -21,7 +21,7 @@ bool is_finite(const mesh& m, unsigned int node)
 // By place of the element: the first finding that it is in, fault::parts for none.
 std::vector<fault> findings_of_elements(const examination& verdict)
 {
-    std::vector<fault> first(verdict.elements, fault::parts);
+    std::vector<fault> first(verdict.qualities.size(), fault::parts);
     for (const found& f : verdict.faults) {
         const fault_place place = info_of(f.which).place;
         if (f.level != severity::finding || (place != fault_place::element && place != fault_place::face)) continue;
@@ -30,9 +30,9 @@ std::vector<fault> findings_of_elements(const examination& verdict)
     return first;
 }
 
-std::vector<fault> findings_of_nodes(const examination& verdict)
+std::vector<fault> findings_of_nodes(const mesh& m, const examination& verdict)
 {
-    std::vector<fault> first(verdict.nodes, fault::parts);
+    std::vector<fault> first(m.pos.cols, fault::parts);
     for (const found& f : verdict.faults) {
         if (f.level != severity::finding || info_of(f.which).place != fault_place::node) continue;
         for (const std::uint64_t node : f.ids) first[node] = std::min(first[node], f.which);
@@ -48,7 +48,7 @@ double value_of(fault f)
 // Points of the nodes at fault stand before the elements, as their kind comes first. A mesh may have points already.
 void add_points(const mesh& m, const examination& verdict, mesh& result, std::uint64_t& left_out)
 {
-    const std::vector<fault> first = findings_of_nodes(verdict);
+    const std::vector<fault> first = findings_of_nodes(m, verdict);
     mesh_builder builder;
     std::vector<double> faults;
     std::vector<double> numbers;

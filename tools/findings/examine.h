@@ -3,9 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "findings/kind_summary.h"
 #include "findings/measures.h"
 #include "findings/rules.h"
 #include "formats/digits.h"
@@ -21,23 +23,8 @@ struct found {
     std::uint64_t of;                // nodes, elements or faces that were looked at; 0 where there is no such number
     std::string text;                // "3 inverted elements"
     std::vector<std::uint64_t> ids;  // ascending: columns of nodes; places of elements, also for faces and edges
-};
-
-// Elements of one kind by their quality. Those without a finite place are in none of the numbers but `count`.
-struct kind_summary {
-    static constexpr std::size_t bins = 10;
-
-    zeb::element_type type;
-    std::uint64_t count = 0;
-    double min = 0;
-    double mean = 0;
-    double max = 0;
-    std::uint64_t inverted = 0;  // below 0
-    std::uint64_t bad = 0;
-    std::uint64_t poor = 0;
-    std::uint64_t fair = 0;
-    std::uint64_t good = 0;
-    std::array<std::uint64_t, bins> histogram{};  // of [0, 1]; what is inverted is not in it
+    // The first node, or the middle of the first element, face or edge, where it has a finite place.
+    std::optional<std::array<double, 3>> first_at = {};
 };
 
 // Edges shorter than what a writer keeps apart: their ends may become one place.
@@ -47,7 +34,8 @@ struct lost_edges {
     std::uint64_t count;
 };
 
-// The verdict on one mesh.
+// The verdict on one mesh. Collapsed facets of an STL file, and nodes that these alone have, are told as a fault and
+// count nowhere else.
 struct examination {
     std::uint64_t nodes = 0;
     std::uint64_t elements = 0;
@@ -56,16 +44,23 @@ struct examination {
     std::uint64_t faces = 0;
     std::uint64_t free_faces = 0;
     std::uint64_t nonmanifold_faces = 0;
+    std::uint64_t duplicates = 0;
+    std::uint64_t collapsed = 0;  // facets of an STL file, also those that were dropped before
     finite_box box;
+    std::array<double, 3> least{};  // coordinates, one by one, as they are: finite or not
+    std::array<double, 3> greatest{};
     double largest_coordinate = 0;
-    double shortest_edge = 0;      // of the edges that are not of length 0; 0 without one
-    std::vector<lost_edges> lost;  // by the writers that would lose any, unless short edges are switched off
+    double shortest_edge = 0;                // 0 without an edge
+    std::uint64_t edges_without_length = 0;  // between two nodes
+    std::vector<lost_edges> lost;            // by the writers that would lose any, unless short edges are switched off
     std::vector<kind_summary> kinds;
-    std::vector<found> faults;      // findings and notes, in the order of `fault`
+    std::vector<found>
+        faults;  // findings and notes, in the order of `fault`, but open edges of STL files before branches
     std::vector<double> qualities;  // by place of the element; NaN where it has none
     std::vector<fault> worst_of;    // by place of the element: the first fault, fault::parts for none
 
     bool is_clean() const;
+    const found* find(fault which) const;  // null where the mesh does not have it
 };
 
 // Looks at everything that the rules do not switch off. The mesh may be wrong in any way that a reader lets through.

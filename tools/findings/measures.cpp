@@ -6,47 +6,13 @@
 
 #include "errors.h"
 #include "findings/element_faces.h"
+#include "findings/vectors.h"
 #include "mesh/kinds.h"
 
 namespace tool {
 namespace {
 
 namespace library = zeb::tessolv;
-using vector = std::array<double, 3>;
-
-vector point_of(const mesh& m, unsigned int node)
-{
-    vector p{};
-    for (std::uint64_t i = 0; i < std::min<std::uint64_t>(3, m.pos.rows); ++i) p[i] = m.pos(i, node);
-    return p;
-}
-
-vector operator-(const vector& a, const vector& b)
-{
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-
-double dot(const vector& a, const vector& b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-vector cross(const vector& a, const vector& b)
-{
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-// Twice the vector area of a polygon seen from its first corner.
-vector twice_area(const std::vector<vector>& p)
-{
-    vector sum{};
-    for (std::size_t i = 2; i < p.size(); ++i) {
-        const vector part = cross(p[i - 1] - p[0], p[i] - p[0]);
-        for (std::size_t k = 0; k < 3; ++k) sum[k] += part[k];
-    }
-    return sum;
-}
-
 // By the divergence theorem over the faces: their vector areas by their middles, both seen from the first corner.
 double volume(const std::vector<vector>& p, zeb::element_type type)
 {
@@ -87,15 +53,6 @@ double relative_size(const std::vector<vector>& p, const kind_info& kind)
     return std::sqrt(dot(area, area)) / 2;
 }
 
-// Whether all these nodes have finite coordinates.
-bool has_place(const mesh& m, const unsigned int* nodes, unsigned int count)
-{
-    return std::all_of(nodes, nodes + count, [&](unsigned int node) {
-        const vector p = point_of(m, node);
-        return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
-    });
-}
-
 }  // namespace
 
 connectivity corners_of(const element_block& block)
@@ -103,16 +60,24 @@ connectivity corners_of(const element_block& block)
     return block.connect.sub_matrix(0, 0, zeb::VERTICES_PER_ELEMENT[block.type], block.connect.cols);
 }
 
+bool has_place(const mesh& m, const element_block& block, std::uint64_t e)
+{
+    const unsigned int* nodes = &block.connect(0, e);
+    return std::all_of(nodes, nodes + zeb::VERTICES_PER_ELEMENT[block.type],
+                       [&](unsigned int node) { return is_finite(point_of(m, node)); });
+}
+
 std::vector<double> qualities_of(const mesh& m, const element_block& block)
 {
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
     const kind_info& kind = info_of(block.type);
-    if (kind.dimension == 0) return std::vector<double>(block.size(), std::numeric_limits<double>::quiet_NaN());
+    if (kind.dimension == 0) return std::vector<double>(block.size(), none);
     zeb::dense1D<double> values;
     checked(library::shape_qualities(m.pos, corners_of(block), kind.linear, values), "shape_qualities");
     std::vector<double> result(values.begin(), values.end());
     for (std::uint64_t e = 0; e < block.size(); ++e) {
-        if (!has_place(m, &block.connect(0, e), zeb::VERTICES_PER_ELEMENT[block.type]))
-            result[e] = std::numeric_limits<double>::quiet_NaN();
+        if (!std::isfinite(result[e]) || !has_place(m, block, e))
+            result[e] = none;
         else if (result[e] < -1)
             result[e] = -1;
     }
@@ -123,31 +88,23 @@ std::vector<double> relative_sizes(const mesh& m, const element_block& block)
 {
     const kind_info& kind = info_of(block.type);
     std::vector<double> sizes(block.size(), 1);
-    std::vector<vector> p(zeb::VERTICES_PER_ELEMENT[block.type]);
+    std::vector<vector> p;
     for (std::uint64_t e = 0; e < block.size() && kind.dimension != 0; ++e) {
-        for (std::size_t i = 0; i < p.size(); ++i) p[i] = point_of(m, block.connect(i, e));
+        place_corners(m, block, e, p);
         sizes[e] = relative_size(p, kind);
     }
     return sizes;
 }
 
-double enclosed_volume(const mesh& m)
+std::vector<double> plane_areas(const mesh& m, const element_block& block)
 {
-    double six_volumes = 0;
-    for (const element_block& block : m.blocks) {
-        if (info_of(block.type).dimension != 2) continue;
-        std::vector<vector> p(zeb::VERTICES_PER_ELEMENT[block.type]);
-        const vector origin = point_of(m, block.connect(0, 0));
-        for (std::uint64_t e = 0; e < block.size(); ++e) {
-            vector middle{};
-            for (std::size_t i = 0; i < p.size(); ++i) {
-                p[i] = point_of(m, block.connect(i, e)) - origin;
-                for (std::size_t k = 0; k < 3; ++k) middle[k] += p[i][k] / static_cast<double>(p.size());
-            }
-            six_volumes += dot(middle, twice_area(p));
-        }
+    std::vector<double> areas(block.size(), 0);
+    std::vector<vector> p;
+    for (std::uint64_t e = 0; e < block.size() && info_of(block.type).dimension == 2; ++e) {
+        place_corners(m, block, e, p);
+        areas[e] = twice_area(p)[2] / 2;
     }
-    return six_volumes / 6;
+    return areas;
 }
 
 double finite_box::diagonal() const
@@ -163,14 +120,18 @@ double finite_box::share_of_diagonal(double share) const
     return 4 * share * std::hypot(quarter(0), quarter(1), quarter(2));
 }
 
-void finite_box::enclose(const mesh& m, std::uint64_t node)
+void finite_box::enclose(const std::array<double, 3>& p)
 {
-    const vector p = point_of(m, static_cast<unsigned int>(node));
-    if (!std::ranges::all_of(p, [](double x) { return std::isfinite(x); })) return;
+    if (!is_finite(p)) return;
     for (std::size_t k = 0; k < 3; ++k) {
         min[k] = std::min(min[k], p[k]);
         max[k] = std::max(max[k], p[k]);
     }
+}
+
+void finite_box::enclose(const mesh& m, std::uint64_t node)
+{
+    enclose(point_of(m, static_cast<unsigned int>(node)));
 }
 
 finite_box box_of(const mesh& m)
@@ -192,6 +153,13 @@ connectivity edges_of(const mesh& m)
     if (types.size != blocks.size()) throw std::bad_alloc();
     connectivity edges;
     checked(library::copy_edges(blocks.data(), blocks.data() + blocks.size(), types, edges), "copy_edges");
+    std::uint64_t kept = 0;
+    for (std::uint64_t e = 0; e < edges.cols; ++e) {
+        if (edges(0, e) == edges(1, e)) continue;
+        edges(0, kept) = edges(0, e);
+        edges(1, kept++) = edges(1, e);
+    }
+    if (!edges.empty()) resize(edges, 2, kept);
     return edges;
 }
 
@@ -200,7 +168,9 @@ std::vector<double> lengths_of(const mesh& m, const connectivity& edges)
     std::vector<double> lengths(edges.cols);
     for (std::uint64_t e = 0; e < edges.cols; ++e) {
         const vector d = point_of(m, edges(1, e)) - point_of(m, edges(0, e));
-        lengths[e] = std::sqrt(dot(d, d));
+        const double length = norm(d);
+        const bool is_safe = length > 1e-140 && length < 1e150;  // no square was lost
+        lengths[e] = is_safe ? length : std::hypot(d[0], d[1], d[2]);
     }
     return lengths;
 }

@@ -13,9 +13,12 @@ namespace tool {
 // The corners of a block under the kind that they make. The matrix shares the memory of the block.
 connectivity corners_of(const element_block& block);
 
-// Shape quality of every element of a block, NaN for points and where a corner has no finite
-// place. What is inverted is never below -1: the library's values
-// of inverted hexahedra grow with their size.
+// Whether every corner of an element has a finite place.
+bool has_place(const mesh& m, const element_block& block, std::uint64_t e);
+
+// Shape quality of every element of a block, NaN for points, where a corner has no finite place, and where the measure
+// is no finite number. What is inverted is never below -1: the library's values of inverted hexahedra grow with their
+// size.
 std::vector<double> qualities_of(const mesh& m, const element_block& block);
 
 // Length, area or volume by the corners over the same power of the longest side of the element's box: no influence of
@@ -23,8 +26,8 @@ std::vector<double> qualities_of(const mesh& m, const element_block& block);
 inline constexpr double no_relative_size = 1e-12;  // what is not more has no size but for rounding
 std::vector<double> relative_sizes(const mesh& m, const element_block& block);
 
-// Volume inside the surface elements of a mesh, positive where they turn counter-clockwise seen from outside.
-double enclosed_volume(const mesh& m);
+// Area of every surface element as seen along z from above, positive where it turns counter-clockwise; 0 of others.
+std::vector<double> plane_areas(const mesh& m, const element_block& block);
 
 // Of the nodes with finite coordinates; min above max where there is none.
 struct finite_box {
@@ -36,12 +39,13 @@ struct finite_box {
     double diagonal() const;
     // A share of the diagonal, also where that is beyond all numbers.
     double share_of_diagonal(double share) const;
-    // Grows to hold a node, if that has a finite place.
+    // Grows to hold a point or a node, if that has a finite place.
+    void enclose(const std::array<double, 3>& p);
     void enclose(const mesh& m, std::uint64_t node);
 };
 finite_box box_of(const mesh& m);
 
-// The distinct edges between corners, as the library lists them.
+// The distinct edges between two corners, in the order of the library.
 connectivity edges_of(const mesh& m);
 // Length of each.
 std::vector<double> lengths_of(const mesh& m, const connectivity& edges);

@@ -60,6 +60,8 @@ rules default_rules()
     for (const fault_info& f : faults)
         r.severities[static_cast<std::size_t>(f.which)] = is_note(f.which) ? severity::note : severity::finding;
     r.limits.fill({0.5, 0.2, 0.02});
+    // An edge 173 times as long as the height: what the tessellation of a sound part may hold is no fault yet.
+    r.limits[EL_TRIA3] = r.limits[EL_QUAD4] = {0.5, 0.2, 0.01};
     r.limits[EL_TETRA4] = {0.4, 0.1, 0.02};
     return r;
 }

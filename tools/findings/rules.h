@@ -84,9 +84,9 @@ std::span<const profile> all_profiles();
 // Throws `wrong_usage` for an unknown name.
 rules rules_of_profile(std::string_view name);
 
-// Reads rules from JSON: what it does not say is as in its profile, or in `base`. Throws `wrong_usage` with what is
-// wrong in it.
-rules rules_from_json(std::string_view text, const rules& base);
+// Reads rules from JSON: what it does not say is as in its profile, or in `base`. A profile that was chosen elsewhere,
+// which is `base` then, counts more than the one it names. Throws `wrong_usage` with what is wrong in it.
+rules rules_from_json(std::string_view text, const rules& base, bool profile_is_chosen = false);
 
 // The whole of the rules, as rules_from_json reads them.
 std::string to_json(const rules& r);

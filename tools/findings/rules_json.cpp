@@ -97,12 +97,15 @@ void take_quality(const json& from, rules& r)
 
 }  // namespace
 
-rules rules_from_json(std::string_view text, const rules& base)
+rules rules_from_json(std::string_view text, const rules& base, bool profile_is_chosen)
 {
     const json object = json::parse(text, nullptr, false);
     if (object.is_discarded() || !object.is_object()) throw wrong_usage("the rules are no JSON object");
     rules r = base;
-    if (object.contains("profile")) r = rules_of_profile(value_of<std::string>(object["profile"], "profile"));
+    if (object.contains("profile")) {
+        const rules named = rules_of_profile(value_of<std::string>(object["profile"], "profile"));
+        if (!profile_is_chosen) r = named;
+    }
     for (const auto& [name, value] : object.items()) {
         if (name == "faults")
             take_severities(value, r);

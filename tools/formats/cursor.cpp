@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -148,24 +149,28 @@ bool cursor::copy_until(char letter, std::string* passed)
     return words;
 }
 
-void cursor::expect(std::string_view wanted)
+std::string_view cursor::take_expected(std::string_view wanted)
 {
     const std::string_view found = word();
-    if (equal_words(found, wanted)) return;
+    if (equal_words(found, wanted)) return found;
     at_ -= found.size();
     fail_at_word(quoted(wanted));
 }
 
-double cursor::real(const char* what)
+bool cursor::plain_real(double& value)
 {
     skip_blanks();
     ensure(margin);
-    double value = 0;
     const auto [end, error] = std::from_chars(at_, limit_, value);
-    if (error == std::errc() && ends_word(end)) {
-        at_ = end;
-        return value;
-    }
+    if (error != std::errc() || !ends_word(end) || !std::isfinite(value)) return false;
+    at_ = end;
+    return true;
+}
+
+double cursor::real(const char* what)
+{
+    double value = 0;
+    if (plain_real(value)) return value;
     const char* begin = at_;
     const std::string_view rest = word();
     if (!parse_real(rest, value)) {

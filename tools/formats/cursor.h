@@ -35,11 +35,14 @@ public:
     std::string_view word();
     // The rest of the line without its end; at most longest_line bytes. Valid until the next call.
     std::string_view line();
-    // The word that must come next, in any case of letters.
-    void expect(std::string_view word);
+    // The word that must come next, in any case of letters, as it stands there.
+    std::string_view take_expected(std::string_view word);
+    void expect(std::string_view word) { take_expected(word); }
 
     // The next number; `what` names it in the message.
     double real(const char* what);
+    // The next number if every reader takes it for the same: decimal, finite, without a plus. Otherwise nothing is taken.
+    bool plain_real(double& value);
     std::int64_t integer(const char* what);
     std::uint64_t count(const char* what);  // not negative
     // `n` numbers.

@@ -11,6 +11,7 @@
 #include "formats/capability.h"
 #include "formats/scalar_type.h"
 #include "formats/vtk_cells.h"
+#include "markup.h"
 
 namespace tool {
 namespace {
@@ -20,25 +21,12 @@ bool vtu_holds(zeb::element_type type)
     return vtk_code_of(type) != 0;
 }
 
-std::string escaped(const std::string& text)
+// XML has no place for control characters.
+std::string name_in_xml(std::string name)
 {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            default:
-                result += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-        }
-    }
-    return result;
+    for (char& c : name)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return escaped(name);
 }
 
 // Numbers of an array as text.
@@ -162,7 +150,7 @@ private:
     template <class Fill>
     void array(const std::string& name, scalar_type type, unsigned int components, Fill fill)
     {
-        to_.text("<DataArray type=\"" + std::string(info_of(type).xml) + "\" Name=\"" + escaped(name) +
+        to_.text("<DataArray type=\"" + std::string(info_of(type).xml) + "\" Name=\"" + name_in_xml(name) +
                  "\" NumberOfComponents=\"" + std::to_string(components) + '"');
         if (ascii_) {
             to_.text(" format=\"ascii\">\n");

@@ -5,6 +5,7 @@
 
 #include "errors.h"
 #include "mesh/kinds.h"
+#include "words.h"
 
 namespace tool {
 namespace {
@@ -21,6 +22,13 @@ std::string element_word(const mesh& m, const mesh_faults::element& e)
 }
 
 }  // namespace
+
+reading_fault unread_facets(const facet_counts& facets)
+{
+    const std::uint64_t count = facets.in_file - facets.read;
+    const std::string why = facets.why_not_read.empty() ? "" : " (" + facets.why_not_read + ')';
+    return {"facets_not_read", count, counted(count, "facet", "facets") + " not read" + why};
+}
 
 std::uint64_t mesh::element_count() const
 {

@@ -57,8 +57,12 @@ struct facet_counts {
     bool ascii = false;
     std::uint64_t in_file = 0;  // announced by the header, or by the word "facet"
     std::uint64_t read = 0;
+    std::uint64_t dropped = 0;      // of those read: collapsed ones that the mesh does not have any more
     std::string why_not_read = {};  // of the first that was not; empty when all were
 };
+
+// The fault of the facets that were not read.
+reading_fault unread_facets(const facet_counts& facets);
 
 // A mesh as a file has it. Nothing in it is checked against the rest but for the sizes: see faults_of.
 struct mesh {

@@ -41,8 +41,7 @@ double height(const double* p, const double* a, const double* b)
 {
     vector edge = difference(b, a);
     const double length = norm(edge);
-    if (!(length > 0)) return 0;
-    for (double& x : edge) x /= length;
+    for (double& x : edge) x = length != 0 ? x / length : 0;
     return norm(cross(edge, difference(p, a)));
 }
 
@@ -108,6 +107,21 @@ private:
     std::vector<unsigned int> next_;
 };
 
+void give_corners_nodes_of_their_own(mesh& m)
+{
+    connectivity& connect = m.blocks.front().connect;
+    if (3 * connect.cols >= zeb::NONE_INDEX) throw unreadable("more nodes than a mesh can hold");
+    coordinates pos;
+    resize(pos, 3, 3 * connect.cols);
+    for (std::uint64_t t = 0, node = 0; t < connect.cols; ++t) {
+        for (std::uint64_t k = 0; k < 3; ++k, ++node) {
+            std::copy_n(&m.pos(0, connect(k, t)), 3, &pos(0, node));
+            connect(k, t) = static_cast<unsigned int>(node);
+        }
+    }
+    m.pos.shallow_copy(pos);
+}
+
 }  // namespace
 
 unsigned int node_pool::append(const double* p)
@@ -145,30 +159,29 @@ void node_pool::grow()
 
 void least_height::add(const double* a, const double* b, const double* c)
 {
-    const double h = std::min({height(a, b, c), height(b, c, a), height(c, a, b)});
+    const double h = std::min({height(c, a, b), height(a, b, c), height(b, c, a)});
     if (h > 0 && h < least_) least_ = h;
 }
 
-double least_height::weld_tolerance() const
+std::optional<double> least_height::weld_tolerance() const
 {
     constexpr double part_of_height = 0.05;
-    return least_ < std::numeric_limits<double>::max() ? part_of_height * least_ : 0;
+    if (least_ == std::numeric_limits<double>::max()) return std::nullopt;
+    return part_of_height * least_;
 }
 
-std::uint64_t weld_triangles(mesh& m, double tolerance)
+void weld_triangles(mesh& m, std::optional<double> tolerance)
 {
-    if (m.blocks.empty() || !(tolerance > 0)) return 0;
-    if (!pair_finder(m.pos, tolerance).run()) return 0;
-    connectivity& connect = m.blocks.front().connect;
-    zeb::dense1D<unsigned int> survivors;
-    const int merged = zeb::tessolv::merge(m.pos, connect, survivors, tolerance);
-    constexpr int out_of_memory = -199;
-    if (merged == out_of_memory) throw std::bad_alloc();
-    if (merged < 0) throw internal_error("merge gave " + std::to_string(merged));
-    if (merged == 0) return 0;
-    if (zeb::tessolv::simplify(m.pos, connect) == out_of_memory) throw std::bad_alloc();
+    if (m.blocks.empty() || (tolerance && !pair_finder(m.pos, *tolerance).run())) return;
+    // Pairs of equal distance go by the order of all corners: only with each of them as a node do they go so here.
+    give_corners_nodes_of_their_own(m);
+    if (tolerance) {
+        connectivity& connect = m.blocks.front().connect;
+        zeb::dense1D<unsigned int> survivors;
+        checked(zeb::tessolv::merge(m.pos, connect, survivors, *tolerance), "merge");
+        checked(zeb::tessolv::simplify(m.pos, connect), "simplify");
+    }
     m.node_numbers = numbering(1, m.pos.cols);
-    return static_cast<std::uint64_t>(merged);
 }
 
 }  // namespace tool

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "mesh/builder.h"
@@ -38,16 +39,16 @@ private:
 class least_height {
 public:
     void add(const double* a, const double* b, const double* c);
-    // What corners may lie apart and still be one node; 0 when no triangle has a height.
-    double weld_tolerance() const;
+    // What corners may lie apart and still be one node; nothing when no triangle has a height.
+    std::optional<double> weld_tolerance() const;
 
 private:
     double least_ = 1.7976931348623157e308;
 };
 
-// Makes one node of those that lie within the tolerance, and drops the nodes that nobody uses. Returns how many were
-// merged. The mesh has triangles only.
-std::uint64_t weld_triangles(mesh& m, double tolerance);
+// Makes one node of the corners that lie within the tolerance, as the library's STL reader does; without a tolerance
+// every triangle gets three nodes of its own. The mesh has triangles alone, with one node for equal corners.
+void weld_triangles(mesh& m, std::optional<double> tolerance);
 
 }  // namespace tool
 

@@ -49,9 +49,9 @@ std::string row(unsigned int y, const std::string& range, const std::string& dra
 std::string histogram(const judgement::quality& q)
 {
     constexpr unsigned int step = 20;
-    const bool below = q.bands && (*q.bands)[0] != 0;
+    const bool below = q.bands[0] != 0;
     std::uint64_t most = std::max<std::uint64_t>(1, *std::ranges::max_element(q.histogram));
-    if (below) most = std::max(most, (*q.bands)[0]);
+    if (below) most = std::max(most, q.bands[0]);
     std::string rows;
     unsigned int y = 2;
     for (std::size_t k = q.histogram.size(); k-- > 0; y += step) {
@@ -61,8 +61,8 @@ std::string histogram(const judgement::quality& q)
                     number_text(q.histogram[k], q.path + ".histogram." + std::to_string(k), y + 12));
     }
     if (below) {
-        rows += row(y, "below 0", bar(y, (*q.bands)[0], most, colour_of_inverted),
-                    number_text((*q.bands)[0], q.path + ".inverted", y + 12));
+        rows += row(y, "below 0", bar(y, q.bands[0], most, colour_of_inverted),
+                    number_text(q.bands[0], q.path + ".inverted", y + 12));
         y += step;
     }
     const std::string name = html(q.name);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "markup.h"
 #include "terminal.h"
 
 namespace tool {
@@ -34,29 +35,7 @@ std::string cell(const std::string& shown, const std::string& value, const std::
 
 std::string html(const std::string& text)
 {
-    std::string result;
-    for (const char c : printable(valid_utf8(text))) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            case '\'':
-                result += "&#39;";
-                break;
-            default:
-                result += c;
-        }
-    }
-    return result;
+    return escaped(printable(valid_utf8(text)));
 }
 
 std::string json_in_script(const json& value)

@@ -2,10 +2,7 @@
 
 #include <utility>
 
-#include "check/mesh_report.h"
-#include "check/surface_json_report.h"
-#include "check/surface_report.h"
-#include "check/surface_text_report.h"
+#include "check/report.h"
 #include "commands/files.h"
 #include "mesh/kinds.h"
 #include "words.h"
@@ -30,8 +27,9 @@ const char* name_of_faces(int dimension)
     return dimension == 1 ? "ends" : dimension == 2 ? "edges" : "faces";
 }
 
-void take_mesh_counts(judgement& j, const examination& v)
+void take_counts_of_mesh(judgement& j)
 {
+    const examination& v = j.verdict_on;
     j.counts = {{"nodes", v.nodes, "nodes"}, {"elements", v.elements, "elements"}};
     for (const kind_summary& kind : v.kinds)
         j.counts.push_back(
@@ -44,7 +42,24 @@ void take_mesh_counts(judgement& j, const examination& v)
     j.counts.push_back({faces + " of three or more elements", v.nonmanifold_faces, "nonmanifold_faces"});
 }
 
-void take_mesh_faults(judgement& j, const examination& v)
+void take_counts_of_facets(judgement& j)
+{
+    const examination& v = j.verdict_on;
+    const facet_counts& facets = *j.content.facets;
+    j.counts = {{"facets in the file", facets.in_file, "facets_in_file"},
+                {"facets read", facets.read, "facets_read"},
+                {"triangles", v.kinds.empty() ? 0 : v.kinds.front().count, "triangles"},
+                {"nodes", v.nodes, "nodes"},
+                {"corners merged", 3 * facets.read - v.nodes, "merged_nodes"},
+                {"connected parts", v.parts, "parts"},
+                {"degenerate triangles", v.collapsed, "degenerate"},
+                {"duplicate triangles", v.duplicates, "duplicates"},
+                {"edges", v.faces, "faces"},
+                {"free edges", v.free_faces, "free_edges"},
+                {"edges of three or more triangles", v.nonmanifold_faces, "nonmanifold_edges"}};
+}
+
+void take_faults(judgement& j, const examination& v)
 {
     for (std::size_t i = 0; i < v.faults.size(); ++i) {
         const found& f = v.faults[i];
@@ -55,7 +70,7 @@ void take_mesh_faults(judgement& j, const examination& v)
     }
 }
 
-void take_mesh_qualities(judgement& j, const examination& v)
+void take_qualities(judgement& j, const examination& v)
 {
     for (const kind_summary& k : v.kinds) {
         if (info_of(k.type).dimension < 2) continue;
@@ -65,105 +80,13 @@ void take_mesh_qualities(judgement& j, const examination& v)
     }
 }
 
-void judge_mesh(judgement& j, const check_options& options)
+// Of an STL file with coordinates that are not finite, as in the JSON.
+std::optional<std::array<std::array<double, 3>, 2>> box_of(const judgement& j)
 {
-    loaded input = load(j.file, options.shared);
-    j.format = input.as->title;
-    j.content = std::move(input.content);
-    j.verdict_on = examine(j.content, j.by);
-    j.is_clean = j.verdict_on.is_clean();
-    const mesh_report report{j.file, std::string(input.as->name), j.format, j.content, j.verdict_on, j.by, options.ids};
-    j.json = json_of(report);
-    take_verdict(j, verdict_of(report, terminal()));
-    take_mesh_counts(j, j.verdict_on);
-    take_mesh_faults(j, j.verdict_on);
-    take_mesh_qualities(j, j.verdict_on);
-    if (const finite_box& box = j.verdict_on.box; !box.is_empty()) j.box = {box.min, box.max};
-    j.notes = j.content.notes;
-    j.shortest_edge = j.verdict_on.shortest_edge;
-}
-
-// The surface as the library's reader makes it, as a mesh.
-mesh mesh_of(surface& s)
-{
-    mesh m;
-    m.facets.emplace();
-    m.node_numbers = numbering(1, s.pos.cols);
-    m.pos.shallow_copy(s.pos);
-    if (s.connect.cols == 0) return m;
-    element_block block;
-    block.type = zeb::EL_TRIA3;
-    block.numbers = numbering(1, s.connect.cols);
-    block.connect.shallow_copy(s.connect);
-    m.blocks.push_back(std::move(block));
-    return m;
-}
-
-const std::vector<std::uint64_t>& ids_of(const examination& v, fault which)
-{
-    static const std::vector<std::uint64_t> none;
-    for (const found& f : v.faults)
-        if (f.which == which) return f.ids;
-    return none;
-}
-
-// The problems of the report stand in this order too.
-void take_facet_faults(judgement& j, const surface_report& report)
-{
-    const surface_numbers& n = report.numbers;
-    const stl_survey& survey = report.survey;
     const examination& v = j.verdict_on;
-    const std::vector<std::uint64_t> none;
-    const std::uint64_t without_triangle = n.triangles == 0 ? 1 : 0;
-    std::size_t problem = 0;
-    const auto add = [&](const char* code, std::uint64_t count, const char* count_path, std::uint64_t of,
-                         const char* of_path, const std::vector<std::uint64_t>& ids) {
-        if (count != 0)
-            j.faults.push_back({code, true, report.problems.at(problem++), count, of, count_path, of_path, ids, false});
-    };
-    add("facets_not_read", survey.facets_in_file - survey.facets_read, "", survey.facets_in_file, "facets_in_file",
-        none);
-    add("no_triangle", without_triangle, "", 0, "", none);
-    add("degenerate", report.degenerate, "degenerate", survey.facets_read, "facets_read", none);
-    add("duplicates", n.duplicates.count, "duplicates", n.triangles, "triangles", ids_of(v, fault::duplicate));
-    add("free_edges", n.free_edges.count, "free_edges", 0, "", ids_of(v, fault::open_edge_of_stl));
-    add("nonmanifold_edges", n.nonmanifold_edges.count, "nonmanifold_edges", 0, "", ids_of(v, fault::nonmanifold));
-}
-
-void take_facet_counts(judgement& j, const surface_report& report)
-{
-    const surface_numbers& n = report.numbers;
-    j.counts = {{"facets in the file", report.survey.facets_in_file, "facets_in_file"},
-                {"facets read", report.survey.facets_read, "facets_read"},
-                {"triangles", n.triangles, "triangles"},
-                {"nodes", n.nodes, "nodes"},
-                {"corners merged", report.merged_nodes, "merged_nodes"},
-                {"connected parts", n.parts, "parts"},
-                {"degenerate triangles", report.degenerate, "degenerate"},
-                {"duplicate triangles", n.duplicates.count, "duplicates"},
-                {"free edges", n.free_edges.count, "free_edges"},
-                {"edges of three or more triangles", n.nonmanifold_edges.count, "nonmanifold_edges"}};
-    if (const auto& q = n.quality; q)
-        j.qualities.push_back({"triangles", "quality", n.triangles, q->min, q->mean, q->max, {}, q->histogram});
-}
-
-void judge_facets(judgement& j, const check_options& options)
-{
-    surface read;
-    const input_file file(j.file);
-    const surface_report report = inspect(j.file, file, options.stl, read);
-    j.of_facets = true;
-    j.format = report.survey.format == stl_format::ascii ? "text STL" : "binary STL";
-    j.content = mesh_of(read);
-    j.verdict_on = examine(j.content, j.by);
-    j.is_clean = report.is_clean();
-    j.json = json_line(report);
-    take_verdict(j, verdict_line(report, terminal()));
-    take_facet_counts(j, report);
-    take_facet_faults(j, report);
-    if (const auto& box = report.numbers.box; box) j.box = {box->min, box->max};
-    j.notes = report.notes;
-    j.shortest_edge = j.verdict_on.shortest_edge;
+    if (j.content.facets && !v.kinds.empty()) return {{v.least, v.greatest}};
+    if (v.box.is_empty()) return std::nullopt;
+    return {{v.box.min, v.box.max}};
 }
 
 }  // namespace
@@ -174,13 +97,26 @@ judgement judge(const std::string& path, const check_options& options)
     j.file = path;
     j.by = rules_in_force(options);
     try {
-        if (is_told_by_facets(path, options))
-            judge_facets(j, options);
-        else
-            judge_mesh(j, options);
+        loaded input = load_to_check(path, options);
+        j.verdict_on = examine(input.content, j.by);
+        const mesh_report report = report_on(input, path, j.verdict_on, j.by, options.ids);
+        j.format = report.format_title;
+        j.is_clean = j.verdict_on.is_clean();
+        j.json = json_of(report);
+        take_verdict(j, verdict_of(report, terminal()));
+        j.content = std::move(input.content);
     } catch (const std::exception&) {
         throw failure_of(path, std::current_exception());
     }
+    if (j.content.facets)
+        take_counts_of_facets(j);
+    else
+        take_counts_of_mesh(j);
+    take_faults(j, j.verdict_on);
+    take_qualities(j, j.verdict_on);
+    j.box = box_of(j);
+    j.notes = j.content.notes;
+    j.shortest_edge = j.verdict_on.shortest_edge;
     return j;
 }
 

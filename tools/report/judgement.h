@@ -37,17 +37,16 @@ struct judgement {
         std::string path;  // to the object
         std::uint64_t count;
         double min, mean, max;
-        std::optional<std::array<std::uint64_t, 5>> bands;  // inverted, bad, poor, fair, good
+        std::array<std::uint64_t, 5> bands;  // inverted, bad, poor, fair, good
         std::array<std::uint64_t, 10> histogram;
     };
 
     std::string file;
     std::string format;  // for people
     bool is_clean = true;
-    std::string verdict;     // the line of `check --quiet`
-    std::string reasons;     // of it, behind the colon
-    std::string json;        // the line of `check --json`
-    bool of_facets = false;  // told like an STL file: see docs/check.md
+    std::string verdict;  // the line of `check --quiet`
+    std::string reasons;  // of it, behind the colon
+    std::string json;     // the line of `check --json`
     rules by;
     std::vector<count> counts;
     std::vector<fault> faults;

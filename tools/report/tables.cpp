@@ -75,12 +75,14 @@ std::string card(const std::string& value, const std::string& name, const char* 
 
 std::string cards(const judgement& j)
 {
-    std::string text = card(grouped(j.verdict_on.elements), j.of_facets ? "triangles" : "elements") +
+    std::string text = card(grouped(j.verdict_on.elements), j.content.facets ? "triangles" : "elements") +
                        card(grouped(j.verdict_on.nodes), "nodes");
     if (j.verdict_on.dimension > 0)
         text += card(grouped(j.verdict_on.parts), j.verdict_on.parts == 1 ? "connected part" : "connected parts");
     if (!j.qualities.empty()) {
-        const auto worst = std::ranges::min_element(j.qualities, {}, &judgement::quality::min);
+        // NaN, where no element has a number, comes last.
+        const auto least = [](const judgement::quality& q) { return std::isnan(q.min) ? 2 : q.min; };
+        const auto worst = std::ranges::min_element(j.qualities, {}, least);
         text += card(rounded(worst->min), "least quality", worst->min < 0 ? " wrong" : "");
     }
     const auto findings = static_cast<std::uint64_t>(std::ranges::count_if(j.faults, &judgement::fault::is_finding));
@@ -103,22 +105,23 @@ std::string findings_table(const judgement& j, const mark_list& marks)
     return table("Findings decide the verdict, notes do not", {"", "What", "#Count", "#Of", "#Share", "Where"}, rows);
 }
 
+// In two tables, which are narrow enough to stand beside the picture.
 std::string quality_table(const judgement& j)
 {
     if (j.qualities.empty()) return "<p>No element has a quality.</p>\n";
-    std::vector<std::string> columns{"Kind", "#Elements", "#Least", "#Mean", "#Greatest"};
-    const bool with_bands = j.qualities.front().bands.has_value();
     constexpr std::array names{"inverted", "bad", "poor", "fair", "good"};
-    if (with_bands) columns.insert(columns.end(), {"#Inverted", "#Bad", "#Poor", "#Fair", "#Good"});
-    std::string rows;
+    std::string values;
+    std::string bands;
     for (const judgement::quality& q : j.qualities) {
-        rows += row_head(q.name) + number_cell(q.count) + number_cell(q.min, q.path + ".min") +
-                number_cell(q.mean, q.path + ".mean") + number_cell(q.max, q.path + ".max");
-        for (std::size_t i = 0; with_bands && i < names.size(); ++i)
-            rows += number_cell((*q.bands)[i], q.path + '.' + names[i]);
-        rows += "</tr>\n";
+        values += row_head(q.name) + number_cell(q.count) + number_cell(q.min, q.path + ".min") +
+                  number_cell(q.mean, q.path + ".mean") + number_cell(q.max, q.path + ".max") + "</tr>\n";
+        bands += row_head(q.name);
+        for (std::size_t i = 0; i < names.size(); ++i) bands += number_cell(q.bands[i], q.path + '.' + names[i]);
+        bands += "</tr>\n";
     }
-    return table("1 is the ideal shape, near 0 flat, negative inverted", columns, rows);
+    return table("1 is the ideal shape, near 0 flat, negative inverted",
+                 {"Kind", "#Elements", "#Least", "#Mean", "#Greatest"}, values) +
+           table("How many are how good", {"Kind", "#Inverted", "#Bad", "#Poor", "#Fair", "#Good"}, bands);
 }
 
 std::string worst_table(const judgement& j, const mark_list& marks)
@@ -159,8 +162,8 @@ std::string box_table(const judgement& j)
     }
     if (rows.empty()) return {};
     if (j.shortest_edge > 0)
-        rows += row_head("shortest edge") + "<td></td><td></td>" +
-                number_cell(j.shortest_edge, j.of_facets ? "" : "shortest_edge") + "</tr>\n";
+        rows += row_head("shortest edge") + "<td></td><td></td>" + number_cell(j.shortest_edge, "shortest_edge") +
+                "</tr>\n";
     return table("Where it lies", {"", "#Least", "#Greatest", "#Size"}, rows);
 }
 
@@ -183,10 +186,6 @@ std::string groups_table(const group_list& groups)
 
 std::string rules_table(const judgement& j)
 {
-    if (j.of_facets)
-        return "<p>Told as an STL file: a surface is clean when every facet was read and every edge has two "
-               "triangles. Triangles are numbered as they stand after the weld. With a profile or rules an STL file "
-               "is judged like any other mesh.</p>\n";
     std::string rows;
     for (const kind_summary& kind : j.verdict_on.kinds) {
         if (info_of(kind.type).dimension < 2) continue;
@@ -232,7 +231,9 @@ std::string picture_note(const judgement& j, const drawing& d)
     if (j.verdict_on.dimension == 3) told.emplace_back("Faces of solids have the quality of the element behind them.");
     if (d.lines_left != 0) told.push_back(grouped(d.lines_left) + " lines or points are left out.");
     if (d.without_place != 0)
-        told.push_back(counted(d.without_place, "element or face has", "elements or faces have") +
+        told.push_back((j.verdict_on.dimension == 3
+                            ? counted(d.without_place, "element or face has", "elements or faces have")
+                            : counted(d.without_place, "element has", "elements have")) +
                        " a corner without a place and cannot be drawn.");
     if (std::ranges::any_of(j.content.blocks, [](const element_block& b) { return info_of(b.type).linear != b.type; }))
         told.emplace_back("Elements of higher order are drawn by their corners.");

@@ -1,5 +1,9 @@
 #include "stl/stl_text.h"
 
+#include <locale.h>
+#include <stdlib.h>
+
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -18,14 +22,24 @@ bool is_hexadecimal(int c)
     return is_digit(c) || (lower_case(c) >= 'a' && lower_case(c) <= 'f');
 }
 
+// Of the longest beginning that is a number, with a decimal point whatever the locale of the process.
+double value_of(const std::string& letters)
+{
+    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(letters.c_str(), nullptr, classic);
+}
+
 class text_reader {
 public:
-    explicit text_reader(byte_source& in) : in_(in) {}
+    text_reader(byte_source& in, const std::function<void(const double*)>& take) : in_(in), take_(take) {}
 
     text_scan run()
     {
         scan_.first_line_too_long = !skip_line() && in_.peek() != byte_source::end;
-        while (take_facet()) ++scan_.facets;
+        while (take_facet()) {
+            ++scan_.facets;
+            if (take_) take_(corners_.data());
+        }
         return scan_;
     }
 
@@ -36,12 +50,12 @@ private:
         scan_.line = in_.line();
         const bool begun = in_.peek() == 'f';
         if (!take_word("facet")) return stop(begun ? scan_stop::no_facet : why_no_facet());
-        if (!take_separated_word("normal") || !take_triple()) return stop(scan_stop::no_facet);
+        if (!take_separated_word("normal") || !take_triple(corners_.data())) return stop(scan_stop::no_facet);
         skip_line();
-        for (int corner = 0; corner < 3; ++corner) {
+        for (std::size_t corner = 0; corner < 3; ++corner) {
             in_.skip_blanks();
             scan_.line = in_.line();
-            if (!take_word("vertex") || !take_triple()) return stop(scan_stop::no_vertex);
+            if (!take_word("vertex") || !take_triple(&corners_[3 * corner])) return stop(scan_stop::no_vertex);
         }
         scan_.line = in_.line();
         for (int line = 0; line < 2; ++line) {
@@ -98,22 +112,26 @@ private:
     }
 
     // Three numbers and the white space behind them.
-    bool take_triple()
+    bool take_triple(double* to)
     {
         for (int k = 0; k < 3; ++k) {
             in_.skip_blanks();
+            letters_.clear();
             if (!take_number()) return false;
+            if (take_) to[k] = value_of(letters_);
         }
         in_.skip_blanks();
         return true;
     }
+
+    void take_letter() { letters_ += static_cast<char>(in_.next()); }
 
     // Takes the letters of `word` in either case.
     bool take_letters(std::string_view word)
     {
         for (const char letter : word) {
             if (lower_case(in_.peek()) != letter) return false;
-            in_.next();
+            take_letter();
         }
         return true;
     }
@@ -122,16 +140,16 @@ private:
     // number and converts the longest beginning that is one, so "1e" and "1e+" are numbers and "0x" is none.
     bool take_number()
     {
-        if (in_.peek() == '+' || in_.peek() == '-') in_.next();
+        if (in_.peek() == '+' || in_.peek() == '-') take_letter();
         if (lower_case(in_.peek()) == 'n') return take_letters("nan");
         if (lower_case(in_.peek()) == 'i')
             return take_letters("inf") && (lower_case(in_.peek()) != 'i' || take_letters("inity"));
         bool zero = false;
         if (in_.peek() == '0') {
-            in_.next();
+            take_letter();
             zero = true;
             if (lower_case(in_.peek()) == 'x') {
-                in_.next();
+                take_letter();
                 return take_digits<true>(false).any;
             }
         }
@@ -150,7 +168,7 @@ private:
         bool point = false;
         bool exponent = false;
         bool sign_may_follow = false;
-        for (int c = in_.peek();; any = true, in_.next(), c = in_.peek()) {
+        for (int c = in_.peek();; any = true, take_letter(), c = in_.peek()) {
             if (is_digit(c) || (Hexadecimal && !exponent && is_hexadecimal(c))) {
                 digit = true;
                 sign_may_follow = false;
@@ -168,14 +186,17 @@ private:
     }
 
     byte_source& in_;
+    const std::function<void(const double*)>& take_;
     text_scan scan_;
+    std::array<double, 9> corners_{};
+    std::string letters_;  // of the number that is being read
 };
 
 }  // namespace
 
-text_scan scan_text(byte_source& in)
+text_scan scan_text(byte_source& in, const std::function<void(const double*)>& take)
 {
-    return text_reader(in).run();
+    return text_reader(in, take).run();
 }
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 #define TOOLS_STL_STL_TEXT_H
 
 #include <cstdint>
+#include <functional>
 
 #include "input/byte_source.h"
 
@@ -23,8 +24,9 @@ struct text_scan {
     bool first_line_too_long = false;
 };
 
-// Follows the reader's rule without keeping a coordinate: one line for the name, then facets until one fails.
-text_scan scan_text(byte_source& in);
+// Follows the reader's rule: one line for the name, then facets until one fails. The nine coordinates of each whole
+// facet are handed over, if they are wanted.
+text_scan scan_text(byte_source& in, const std::function<void(const double*)>& take = {});
 
 }  // namespace tool
 

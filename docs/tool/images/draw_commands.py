@@ -73,9 +73,9 @@ def info(tool):
 def check(tool):
     tool.run('check --quiet --profile closed --extract bad.vtk bracket.stl', status=1)
     bad, whole = tool.file('bad.vtk'), tool.file('bracket.stl')
-    colours = {4: (GREEN, '1 element with a node twice'), 5: (BLUE, '2 duplicate elements'),
-               8: (PINK, '2 elements of bad quality'), 11: (YELLOW, '5 edges of three or more elements'),
-               12: (ORANGE, '88 open edges')}
+    colours = {4: (GREEN, '1 degenerate triangle'), 5: (BLUE, '2 duplicate triangles'),
+               8: (PINK, '1 triangle of bad quality'), 12: (ORANGE, '88 free edges'),
+               11: (YELLOW, '5 edges of three or more triangles')}
     text = tool.run('check --quiet --profile closed bracket.stl', status=1)
     picture = Picture(430, [860])
     picture.heading(0, '$ tessolv check --profile closed bracket.stl --extract bad.vtk',

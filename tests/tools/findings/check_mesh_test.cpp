@@ -1,4 +1,5 @@
 #include <cmath>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -78,7 +79,8 @@ TEST_F(check_mesh, TellsFaultsAndRulesForPeople)
     const std::string out = tessolv({"check", file(faulty(), "bad.msh")}).out;
     for (const std::string line :
          {"  nodes                                      5\n", "  tetrahedra                                 2\n",
-          "\n! 1 inverted element, 50 %: tetra 12\n", "\n! 1 unused node, 20 %: node 5\n",
+          "\n! 1 inverted element, 50 %: tetra 12; first at (0.25, 0.25, 0.25)\n",
+          "\n! 1 unused node, 20 %: node 5; first at (5, 5, 5)\n",
           "\n  rules 'default': ", "\n    tetrahedra: bad below 0.02, poor below 0.1, good from 0.4 on\n"})
         EXPECT_NE(out.find(line), std::string::npos) << line << " is not in\n" << out;
 }
@@ -86,7 +88,7 @@ TEST_F(check_mesh, TellsFaultsAndRulesForPeople)
 TEST_F(check_mesh, CallsAllOfThemAHundredPercent)
 {
     const std::string all = file(mesh_by_hand(corner).with(zeb::EL_TETRA4, {{0, 1, 2, 3}}), "all.msh");
-    EXPECT_NE(tessolv({"check", all}).out.find("\n! 1 inverted element, 100 %: tetra 1\n"), std::string::npos);
+    EXPECT_NE(tessolv({"check", all}).out.find("\n! 1 inverted element, 100 %: tetra 1; "), std::string::npos);
 }
 
 TEST_F(check_mesh, TellsTheSameAsData)
@@ -99,6 +101,7 @@ TEST_F(check_mesh, TellsTheSameAsData)
     EXPECT_EQ(object["kinds"]["tetra"]["quality"]["inverted"], 1);
     EXPECT_EQ(object["faults"][1]["code"], "inverted");
     EXPECT_EQ(object["faults"][1]["ids"], json::parse(R"({"tetra": [12]})"));
+    EXPECT_EQ(object["faults"][1]["first_at"], json({0.25, 0.25, 0.25}));
     EXPECT_EQ(object["rules"]["faults"]["parts"], "note");
 }
 
@@ -107,8 +110,10 @@ TEST_F(check_mesh, NamesTenItemsOrAll)
     std::vector<test::place> places{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     for (int i = 0; i < 12; ++i) places.push_back({0, 0, 2.0 + i});
     const std::string path = file(mesh_by_hand(places).with(zeb::EL_TETRA4, {{0, 2, 1, 3}}), "unused.msh");
-    EXPECT_NE(tessolv({"check", path}).out.find(": node 5 6 7 8 9 10 11 12 13 14 ...\n"), std::string::npos);
-    EXPECT_NE(tessolv({"check", "--ids", path}).out.find(": node 5 6 7 8 9 10 11 12 13 14 15 16\n"), std::string::npos);
+    EXPECT_NE(tessolv({"check", path}).out.find(": node 5 6 7 8 9 10 11 12 13 14 ...; first at (0, 0, 2)\n"),
+              std::string::npos);
+    EXPECT_NE(tessolv({"check", "--ids", path}).out.find(": node 5 6 7 8 9 10 11 12 13 14 15 16; first"),
+              std::string::npos);
     EXPECT_EQ(json::parse(tessolv({"check", "--json", path}).out)["faults"][0]["ids"]["node"].size(), 10u);
     EXPECT_EQ(json::parse(tessolv({"check", "--json", "--ids", path}).out)["faults"][0]["ids"]["node"].size(), 12u);
 }
@@ -157,11 +162,100 @@ TEST_F(check_mesh, TakesTheDistanceOfCoincidentNodesInTheUnitOfTheMesh)
         EXPECT_EQ(tessolv({"check", path, "--tolerance", wrong}).status, 2) << wrong;
 }
 
-TEST_F(check_mesh, JudgesAnStlFileLikeAnyOtherWhenAskedTo)
+TEST_F(check_mesh, JudgesAnStlFileLikeAnyOther)
 {
     const std::string open = folder.write("open.stl", test::binary_stl({test::tetrahedron[0]}));
-    EXPECT_EQ(tessolv({"check", "--quiet", open}).out, open + ": NOT CLEAN: 3 free edges\n");
-    EXPECT_EQ(tessolv({"check", "--quiet", "--profile", "default", open}).out, open + ": NOT CLEAN: 3 open edges\n");
+    const std::string verdict = open + ": NOT CLEAN: 3 free edges\n";
+    EXPECT_EQ(tessolv({"check", "--quiet", open}).out, verdict);
+    EXPECT_EQ(tessolv({"check", "--quiet", "--profile", "default", open}).out, verdict);
+    const std::string lenient = folder.write("rules.json", R"({"faults": {"open_edge_of_stl": "note"}})");
+    EXPECT_EQ(tessolv({"check", "--quiet", "--rules", lenient, open}).out, open + ": CLEAN: 1 triangle, 1 part\n");
+    EXPECT_EQ(tessolv({"check", "--quiet", "--tolerance", "1.1", open}).out,
+              open + ": NOT CLEAN: 2 coincident nodes, 3 free edges\n");
+}
+
+TEST_F(check_mesh, FindsSliversInAnStlFileToo)
+{
+    const test::corner low{0.5f, -0.001f, 0};
+    const std::string path = folder.write("sliver.stl", test::binary_stl({{test::O, low, test::X}}));
+    const run_result result = tessolv({"check", "--quiet", path});
+    EXPECT_EQ(result.out, path + ": NOT CLEAN: 1 triangle of bad quality, 3 free edges\n");
+}
+
+TEST_F(check_mesh, ExtractsCollapsedFacetsWithTheirNumbers)
+{
+    std::vector<test::facet> all = test::tetrahedron;
+    all.insert(all.begin() + 1, test::facet{test::X, test::X, test::Y});
+    const std::string path = folder.write("part.stl", test::binary_stl(all));
+    EXPECT_EQ(tessolv({"check", "--quiet", path, "--extract", folder.path("bad.vtu")}).status, 1);
+    const tool::mesh m = tool::read_mesh(tool::source::open(folder.path("bad.vtu")));
+    ASSERT_EQ(m.element_count(), 1u);
+    EXPECT_EQ(m.cell_fields[0].values, std::vector<double>{double(tool::fault::repeated_node)});
+    EXPECT_EQ(m.cell_fields[2].values, std::vector<double>{2});
+}
+
+TEST_F(check_mesh, ExtractsNothingFromACleanMesh)
+{
+    const std::string sound = folder.write("sound.mesh", sound_medit);
+    const std::string bad = folder.path("bad.vtu");
+    const run_result result = tessolv({"check", sound, "--extract", bad});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "tessolv: " + bad + ": note: not written: no element and no node is at fault\n");
+    EXPECT_EQ(tessolv({"check", "--quiet", sound, "--extract", bad}).err, "");
+    EXPECT_FALSE(std::filesystem::exists(bad));
+}
+
+TEST_F(check_mesh, TellsTheVerdictAlsoWhereItsOutputCannotBeWritten)
+{
+    const std::string bad = file(faulty(), "bad.msh");
+    const run_result result = tessolv({"check", "--json", bad, "--extract", folder.path("none/bad.vtu")});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(json::parse(result.out)["verdict"], "not clean");
+}
+
+TEST_F(check_mesh, HasALineOfJsonForEveryInput)
+{
+    const std::string sound = folder.write("sound.mesh", sound_medit);
+    const std::string cut = folder.write("cut.mesh", std::string(sound_medit).substr(0, 60));
+    const auto verdict = [&](std::vector<std::string> arguments, int status) {
+        arguments.insert(arguments.begin(), {"check", "--json"});
+        const run_result result = tessolv(arguments);
+        EXPECT_EQ(result.status, status) << result.err;
+        return json::parse(result.out)["verdict"];
+    };
+    EXPECT_EQ(verdict({cut}, 3), "unreadable");
+    EXPECT_EQ(verdict({cut, "--skip-unreadable"}, 0), "unreadable");
+    EXPECT_EQ(verdict({folder.path("none.mesh")}, 3), "unreadable");
+    EXPECT_EQ(verdict({sound, "--ascii"}, 3), "unreadable");
+    EXPECT_EQ(verdict({sound, "--output", folder.path("out.vtk")}, 2), "failed");
+    EXPECT_EQ(verdict({sound, "--extract", sound}, 0), "clean");
+}
+
+TEST_F(check_mesh, TakesTheProfileOfTheCommandLineBeforeThatOfTheRules)
+{
+    const std::string path = folder.write("open.stl", test::binary_stl({test::tetrahedron[0]}));
+    const std::string rules = folder.write("rules.json", R"({"profile": "solver", "faults": {"parts": "off"}})");
+    const auto in_force = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {"check", "--json", path, "--rules", rules});
+        return json::parse(tessolv(more).out)["rules"];
+    };
+    EXPECT_EQ(in_force({})["profile"], "solver");
+    const json chosen = in_force({"--profile", "closed"});
+    EXPECT_EQ(chosen["profile"], "closed");
+    EXPECT_EQ(chosen["faults"]["inside_out"], "finding");
+    EXPECT_EQ(chosen["faults"]["parts"], "off");
+}
+
+// The two commands measure the same edges.
+TEST_F(check_mesh, AgreesWithEdgesOnTheShortestOne)
+{
+    const std::vector<test::place> places{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 1, 0}};
+    const std::string path = file(mesh_by_hand(places).with(zeb::EL_TRIA3, {{0, 1, 2}, {1, 3, 2}, {0, 0, 1}}), "m.vtu");
+    const json edges = json::parse(tessolv({"edges", "--json", path}).out);
+    EXPECT_EQ(edges["min"], 0);
+    EXPECT_EQ(edges["edges"], 5);
+    EXPECT_EQ(json::parse(tessolv({"check", "--json", path}).out)["shortest_edge"], edges["min"]);
+    EXPECT_NE(tessolv({"check", path}).out.find("\n  shortest edge 0: 1 edge without length\n"), std::string::npos);
 }
 
 }  // namespace

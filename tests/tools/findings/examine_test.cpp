@@ -39,8 +39,8 @@ TEST_P(Examine, FindsWhatIsWrittenDown)
     const auto& [name, content, expected] = GetParam();
     const examination verdict = examine(content, tool::rules_of_profile("default"));
     EXPECT_EQ(told(content, verdict), expected);
-    EXPECT_EQ(verdict.elements, content.element_count());
-    EXPECT_EQ(verdict.qualities.size(), verdict.elements);
+    EXPECT_EQ(verdict.elements + verdict.collapsed, content.element_count());
+    EXPECT_EQ(verdict.qualities.size(), content.element_count());
 }
 
 std::string name_of(const testing::TestParamInfo<test::known_mesh>& row)
@@ -119,6 +119,90 @@ TEST(ExamineNumbers, ShowInvertedHexahedraAsMinusOne)
     EXPECT_EQ(v.qualities[0], -1.0);
     EXPECT_EQ(v.kinds[0].min, -1.0);
     EXPECT_EQ(v.kinds[0].inverted, 1u);
+}
+
+// A quality that is no number is told as none, and counts as bad.
+TEST(ExamineNumbers, OfNoQualityAreNone)
+{
+    const mesh m = mesh_by_hand({{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}}, 2).with(EL_TRIA3, {{0, 1, 2}});
+    const examination v = examine(m, tool::rules_of_profile("default"));
+    EXPECT_FALSE(v.is_clean());
+    ASSERT_EQ(v.kinds.size(), 1u);
+    EXPECT_TRUE(std::isnan(v.kinds[0].min));
+    EXPECT_TRUE(std::isnan(v.kinds[0].mean));
+    EXPECT_EQ(v.kinds[0].bad, 1u);
+}
+
+TEST(ExamineNumbers, OfAPlaneSeenFromBelowAreThoseFromAbove)
+{
+    const mesh above = mesh_by_hand({O, X, XY, Y}).with(EL_TRIA3, {{0, 1, 2}, {0, 3, 2}});
+    const mesh below = mesh_by_hand({O, X, XY, {0, 3, 0}}).with(EL_TRIA3, {{0, 1, 2}, {0, 3, 2}});
+    const auto qualities = [](const mesh& m) { return examine(m, tool::rules_of_profile("default")).qualities; };
+    EXPECT_GT(qualities(above)[0], 0);  // half and half: counter-clockwise
+    EXPECT_LT(qualities(above)[1], 0);
+    EXPECT_LT(qualities(below)[0], 0);
+    EXPECT_GT(qualities(below)[1], 0);
+}
+
+TEST(ExamineNumbers, TellEdgesWithoutLength)
+{
+    const mesh m = mesh_by_hand({O, X, Y, Y}).with(EL_TRIA3, {{0, 1, 2}, {1, 3, 2}, {0, 0, 1}});
+    const examination v = examine(m, tool::rules_of_profile("default"));
+    EXPECT_EQ(v.shortest_edge, 0);
+    EXPECT_EQ(v.edges_without_length, 1u);  // from node 3 to node 4, not from node 1 to itself
+}
+
+TEST(ExamineNumbers, OfEdgesWhoseSquaresAreBeyondAllNumbersAreThere)
+{
+    const mesh large = mesh_by_hand({{0, 0, 0}, {3e200, 4e200, 0}}, 2).with(EL_EDGE2, {{0, 1}});
+    EXPECT_NEAR(examine(large, tool::rules_of_profile("default")).shortest_edge / 5e200, 1, 1e-15);
+    const mesh small = mesh_by_hand({{0, 0, 0}, {3e-200, 4e-200, 0}}, 2).with(EL_EDGE2, {{0, 1}});
+    EXPECT_NEAR(examine(small, tool::rules_of_profile("default")).shortest_edge / 5e-200, 1, 1e-15);
+}
+
+TEST(ExamineFaults, TellWhereTheFirstOneLies)
+{
+    // Two triangles in space, one of them twice, and a node that nobody uses.
+    const mesh m = mesh_by_hand({O, X, YZ, {3, 0, 3}, {7, 8, 9}}).with(EL_TRIA3, {{0, 1, 2}, {1, 3, 2}, {3, 2, 1}});
+    const examination v = examine(m, tool::rules_of_profile("default"));
+    const auto first_at = [&](tool::fault which) {
+        const tool::found* f = v.find(which);
+        return f != nullptr && f->first_at ? *f->first_at : place{};
+    };
+    EXPECT_EQ(first_at(tool::fault::unused_node), (place{7, 8, 9}));
+    EXPECT_EQ(first_at(tool::fault::open_edge), (place{0.5, 0, 0}));
+    EXPECT_EQ(first_at(tool::fault::nonmanifold), (place{0.5, 0.5, 0.5}));
+    const place duplicate = first_at(tool::fault::duplicate);
+    EXPECT_NEAR(duplicate[0], 4.0 / 3, 1e-15);
+    EXPECT_NEAR(duplicate[2], 4.0 / 3, 1e-15);
+}
+
+TEST(ExamineFaults, HaveTheWordsOfTheMesh)
+{
+    const std::vector<nodes> fan{{0, 1, 2}, {0, 1, 3}, {0, 1, 4}};
+    mesh m = mesh_by_hand({O, X, YZ, Y, {0, -1, 0}}).with(EL_TRIA3, fan);
+    const auto text = [&] {
+        return examine(m, tool::rules_of_profile("default")).find(tool::fault::nonmanifold)->text;
+    };
+    EXPECT_EQ(text(), "1 edge of three or more elements");
+    m.facets.emplace();
+    EXPECT_EQ(text(), "1 edge of three or more triangles");
+}
+
+TEST(ExamineFaults, CountClosedPartsInsideOut)
+{
+    const std::vector<place> two{O, X, Y, {0, 0, 1}, {5, 0, 0}, {6, 0, 0}, {5, 1, 0}, {5, 0, 1}};
+    const std::vector<nodes> inward{{0, 1, 2}, {0, 3, 1}, {0, 2, 3}, {1, 3, 2}};
+    const std::vector<nodes> outward{{4, 6, 5}, {4, 5, 7}, {4, 7, 6}, {5, 6, 7}};
+    std::vector<nodes> both = inward;
+    both.insert(both.end(), outward.begin(), outward.end());
+    const auto text = [&](const std::vector<nodes>& all) {
+        return examine(mesh_by_hand(two).with(EL_TRIA3, all), tool::rules_of_profile("default"))
+            .find(tool::fault::inside_out)
+            ->text;
+    };
+    EXPECT_EQ(text(inward), "the closed surface is inside out");
+    EXPECT_EQ(text(both), "1 of 2 closed surfaces inside out");
 }
 
 }  // namespace

@@ -56,6 +56,15 @@ mesh of_stl(mesh m)
     m.facets = tool::facet_counts{false, m.element_count(), m.element_count()};
     return m;
 }
+// The second mesh's nodes are numbered from `first` on.
+std::vector<nodes> joined(std::vector<nodes> a, std::vector<nodes> b, unsigned first)
+{
+    for (nodes& element : b) {
+        for (unsigned& n : element) n += first;
+        a.push_back(element);
+    }
+    return a;
+}
 mesh with_fault(mesh m)
 {
     m.faults.push_back({"facets_not_read", 2, "2 facets not read (the file ends)"});
@@ -189,6 +198,14 @@ std::vector<known_mesh> known_surfaces()
         known_mesh{"triangle_in_space", mesh_by_hand({O, X, YZ}).with(EL_TRIA3, {{0, 2, 1}}),
                    "~open_edge 3 (triangle 1); 1"},
         known_mesh{"triangle_of_a_flat_mesh_in_space", mesh_by_hand({O, X, Y}).with(EL_TRIA3, {{0, 2, 1}}), "ok; 1"},
+        known_mesh{"triangle_turned_in_a_flat_mesh_in_space",
+                   mesh_by_hand({O, X, XY, {0, 3, 0}}).with(EL_TRIA3, {{0, 2, 1}, {0, 2, 3}}),
+                   "inverted 1 (triangle 1); ~turned_neighbour 1 (triangle 1 2); 1"},
+        known_mesh{"flat_mesh_in_space_seen_from_below",
+                   mesh_by_hand(moved(square, 0, 0, 7)).with(EL_TRIA3, {{0, 2, 1}, {0, 3, 2}}), "ok; 1"},
+        known_mesh{"triangle_turned_in_a_flat_stl_file",
+                   of_stl(mesh_by_hand({O, X, XY, {0, 3, 0}}).with(EL_TRIA3, {{0, 2, 1}, {0, 2, 3}})),
+                   "open_edge_of_stl 4 (triangle 1 2); ~turned_neighbour 1 (triangle 1 2); 1"},
         known_mesh{"triangle_of_an_stl_file", of_stl(mesh_by_hand({O, X, Y}).with(EL_TRIA3, {{0, 2, 1}})),
                    "open_edge_of_stl 3 (triangle 1); 1"},
         known_mesh{"triangle_on_a_line", mesh_by_hand({O, X, {2, 0, 0}}, 2).with(EL_TRIA3, {{0, 1, 2}}),
@@ -206,6 +223,28 @@ std::vector<known_mesh> known_surfaces()
                    "ok; 1"},
         known_mesh{"closed_tetrahedron_inside_out", mesh_by_hand(corner).with(EL_TRIA3, tetrahedron_inside_out),
                    "~inside_out 1; 1"},
+        known_mesh{"one_of_two_closed_parts_inside_out",
+                   mesh_by_hand(plus(corner, moved(corner, 9)))
+                       .with(EL_TRIA3, joined(closed_tetrahedron, tetrahedron_inside_out, 4)),
+                   "~inside_out 1; ~parts 2; 2"},
+        known_mesh{"closed_part_inside_out_beside_an_open_one",
+                   mesh_by_hand(plus(corner, moved({O, X, YZ}, 9)))
+                       .with(EL_TRIA3, joined(tetrahedron_inside_out, {{0, 1, 2}}, 4)),
+                   "~open_edge 3 (triangle 5); ~inside_out 1; ~parts 2; 2"},
+        known_mesh{"cavity",
+                   mesh_by_hand(plus(scaled(corner, 9, 9, 9), moved(corner, 1, 1, 1)))
+                       .with(EL_TRIA3, joined(closed_tetrahedron, tetrahedron_inside_out, 4)),
+                   "~parts 2; 2"},
+        known_mesh{"body_in_a_cavity_inside_out",
+                   mesh_by_hand(plus(plus(scaled(corner, 40, 40, 40), moved(scaled(corner, 20, 20, 20), 2, 2, 2)),
+                                     moved(corner, 5, 5, 5)))
+                       .with(EL_TRIA3,
+                             joined(joined(closed_tetrahedron, tetrahedron_inside_out, 4), tetrahedron_inside_out, 8)),
+                   "~inside_out 1; ~parts 3; 3"},
+        known_mesh{"cavity_that_touches_the_outside",
+                   mesh_by_hand(plus(scaled(corner, 9, 9, 9), scaled(corner, 2, 2, 2)))
+                       .with(EL_TRIA3, joined(closed_tetrahedron, tetrahedron_inside_out, 4)),
+                   "coincident_node 1 (node 5); ~parts 2; 2"},
         known_mesh{"one_triangle_turned",
                    mesh_by_hand(corner).with(EL_TRIA3, {{0, 2, 1}, {0, 1, 3}, {0, 3, 2}, {1, 3, 2}}),
                    "~turned_neighbour 3 (triangle 1 2 3 4); 1"},
@@ -213,7 +252,7 @@ std::vector<known_mesh> known_surfaces()
                    "~open_edge 3 (triangle 1 2 3); 1"},
         known_mesh{"three_triangles_on_an_edge",
                    of_stl(mesh_by_hand({O, X, Y, Z, {0, -1, 0}}).with(EL_TRIA3, {{0, 1, 2}, {0, 1, 3}, {0, 1, 4}})),
-                   "nonmanifold 1 (triangle 1 2 3); open_edge_of_stl 6 (triangle 1 2 3); 1"},
+                   "open_edge_of_stl 6 (triangle 1 2 3); nonmanifold 1 (triangle 1 2 3); 1"},
         known_mesh{"triangles_on_a_node",
                    mesh_by_hand({O, X, Y, {-1, 0, 0}, {0, -1, 0}}, 2).with(EL_TRIA3, {{0, 1, 2}, {0, 3, 4}}),
                    "~parts 2; 2"},
@@ -256,6 +295,18 @@ std::vector<known_mesh> known_surfaces()
                        .with(EL_TRIA3, {{0, 2, 1}})
                        .with(EL_EDGE2, {{0, 3}}),
                    "~short_edge 3; 1"},
+        known_mesh{
+            "collapsed_facet_of_an_stl_file",
+            of_stl(mesh_by_hand(plus(corner, {{9, 9, 9}})).with(EL_TRIA3, joined(closed_tetrahedron, {{4, 4, 3}}, 0))),
+            "repeated_node 1 (triangle 5); 1"},
+        known_mesh{"stl_file_of_a_collapsed_facet", of_stl(mesh_by_hand({O, X}).with(EL_TRIA3, {{0, 1, 1}})),
+                   "no_element 1; repeated_node 1 (triangle 1); 0"},
+        known_mesh{"sliver_that_a_sound_surface_may_hold",
+                   mesh_by_hand({O, X, {0.5, 0.007, 0}}, 2).with(EL_TRIA3, {{0, 1, 2}}),
+                   "~poor_quality 1 (triangle 1); 1"},
+        known_mesh{"triangle_whose_measure_is_no_number",
+                   mesh_by_hand({{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}}, 2).with(EL_TRIA3, {{0, 1, 2}}),
+                   "bad_quality 1 (triangle 1); 1"},
         known_mesh{"facets_not_read", with_fault(mesh_by_hand(corner).with(EL_TRIA3, closed_tetrahedron)),
                    "not_read 2; 1"},
     };

@@ -14,6 +14,19 @@ TEST(Rules, AreReadBackAsTheyArePrinted)
     }
 }
 
+TEST(Rules, OfAChosenProfileKeepWhatTheFileSetsItself)
+{
+    const std::string text = R"({"profile": "solver", "coincident": 0.5})";
+    const tool::rules closed = tool::rules_of_profile("closed");
+    EXPECT_EQ(tool::rules_from_json(text, closed).profile, "solver");
+    const tool::rules chosen = tool::rules_from_json(text, closed, true);
+    EXPECT_EQ(chosen.profile, "closed");
+    EXPECT_EQ(chosen.coincident, 0.5);
+    EXPECT_EQ(chosen.of(tool::fault::inside_out), tool::severity::finding);
+    EXPECT_EQ(chosen.limits_of(zeb::EL_TETRA4).bad, closed.limits_of(zeb::EL_TETRA4).bad);
+    EXPECT_THROW(tool::rules_from_json(R"({"profile": "none"})", closed, true), tool::wrong_usage);
+}
+
 class WrongRules : public testing::TestWithParam<const char*> {};
 
 TEST_P(WrongRules, AreRefused)

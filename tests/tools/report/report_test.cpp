@@ -309,6 +309,30 @@ TEST_F(report, WritesNoPageOfAFileThatCannotBeRead)
     EXPECT_EQ(run(folder.path("missing.msh")).status, 3);
 }
 
+TEST_F(report, HasALineOfJsonAlsoForAFileThatCannotBeJudged)
+{
+    const run_result cut = run(folder.write("in.msh", "no mesh"), {"--json"});
+    EXPECT_EQ(cut.status, 3);
+    EXPECT_EQ(json::parse(cut.out)["verdict"], "unreadable");
+    const run_result unwritten =
+        tessolv({"report", file(block(1, 1, 1)), "--json", "--output", folder.path("none/page.html")});
+    EXPECT_EQ(unwritten.status, 4);
+    EXPECT_EQ(json::parse(unwritten.out)["verdict"], "failed");
+}
+
+TEST_F(report, TellsOfAnStlFileWhatCheckTells)
+{
+    std::vector<test::facet> all = test::book;
+    all.insert(all.begin(), test::facet{test::V, test::V, test::O});
+    const report_page p = like_check(folder.write("book.stl", test::binary_stl(all)));
+    EXPECT_EQ(p.check["nodes"], 5);
+    EXPECT_NE(p.html.find("1 degenerate triangle"), std::string::npos);
+    EXPECT_NE(p.html.find("1 edge of three or more triangles"), std::string::npos);
+    EXPECT_NE(p.html.find("Limits of quality"), std::string::npos);
+    const float infinity = std::numeric_limits<float>::infinity();
+    like_check(folder.write("far.stl", test::binary_stl({{test::O, test::X, test::corner{infinity, 0, 0}}})));
+}
+
 TEST_F(report, OverwritesAnInputWhenForcedOnly)
 {
     const std::string mesh = file(block(1, 1, 1));
