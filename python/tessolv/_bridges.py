@@ -146,9 +146,12 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
 
 def _path(function: str, file: Any) -> Path:
     try:
-        return Path(os.fsdecode(file))
+        name = os.fsdecode(file)
     except TypeError:
         raise Error(function, None, "file", "is no file name") from None
+    if "\0" in name:  # a name would end there
+        raise Error(function, None, "file", "is no file name")
+    return Path(name)
 
 
 @contextmanager
