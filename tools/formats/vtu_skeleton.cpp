@@ -58,8 +58,7 @@ private:
             if (quote != '\0' ? c == quote : (c == '"' || c == '\'') && !tag.starts_with("<!--"))
                 quote = quote != '\0' ? '\0' : c;
         } while ((quote != '\0' || !ends(tag)) && !in_.at_end() && tag.size() < longest);
-        if (quote != '\0' || !ends(tag))
-            throw unreadable("byte " + std::to_string(begin) + ": a tag without an end");
+        if (quote != '\0' || !ends(tag)) throw unreadable("byte " + std::to_string(begin) + ": a tag without an end");
         if (tag.starts_with("<!--")) return;
         const bool alone = tag.ends_with("/>");
         begin_stretch(begin);

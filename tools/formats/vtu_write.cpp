@@ -174,7 +174,7 @@ private:
         if (!mesh_.has_groups() || mesh_.group_names.empty()) return;
         to_.text("<FieldData>\n");
         for (const group_name& g : mesh_.group_names)
-            to_.text("<DataArray type=\"Int32\" Name=\"" + escaped(g.name) +
+            to_.text("<DataArray type=\"Int32\" Name=\"" + name_in_xml(g.name) +
                      "\" NumberOfTuples=\"2\" format=\"ascii\">" + std::to_string(g.number) + ' ' +
                      std::to_string(g.dimension) + "</DataArray>\n");
         to_.text("</FieldData>\n");

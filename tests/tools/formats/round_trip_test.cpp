@@ -216,6 +216,13 @@ TEST(RoundTrip, KeepsTheNamesOfGroupsInVtuFiles)
     }
 }
 
+TEST(RoundTrip, WritesBlanksForControlCharactersOfGroupNamesInVtuFiles)
+{
+    mesh was = test::mesh_of({EL_TETRA4});
+    was.group_names = {{3, 4, "a\x01z\n."}};
+    EXPECT_EQ(find_group_name(test::read_bytes(test::written(was, "vtu", true)), 3, 4)->name, "a z .");
+}
+
 // Data of the whole mesh that other programs write is no name of a group.
 TEST(RoundTrip, TakesOnlyGroupsThatThereAreForNames)
 {
