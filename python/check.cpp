@@ -6,6 +6,8 @@
 #include "errors.h"
 #include "findings/examine.h"
 #include "findings/face_list.h"
+#include "formats/obj_read.h"
+#include "formats/readable.h"
 #include "formats/stl_read.h"
 #include "mesh/kinds.h"
 #include "module.h"
@@ -179,17 +181,40 @@ py::dict check(py::handle pos, py::handle types, py::handle cells, py::handle pr
     return verdict_of(m, verdict, by);
 }
 
+template <class Read>
+tool::mesh mesh_of_file(call& c, const std::string& file, Read read)
+{
+    try {
+        return c.run([&] { return read(tool::source::open(file)); });
+    } catch (const tool::unreadable& problem) {
+        c.refuse("file", problem.what());
+    }
+}
+
+// A Wavefront file as the program reads it: nodes, and the elements of each kind.
+py::tuple read_obj(const std::string& file)
+{
+    call c("read");
+    tool::mesh m = mesh_of_file(c, file, [](const tool::source& from) {
+        if (from.size() == 0) throw tool::unreadable("is empty");
+        const std::string head = from.head();
+        tool::refuse_packed(tool::without_mark(head));
+        return tool::read_obj(from);
+    });
+    py::dict cells;
+    for (tool::element_block& block : m.blocks) {
+        const std::uint64_t columns = block.connect.rows;
+        cells[py::int_(int{block.type})] = handed_over(std::move(block.connect), columns);
+    }
+    return py::make_tuple(handed_over(std::move(m.pos), 3), cells);
+}
+
 // An STL file as the program reads it: nodes, triangles without collapsed ones, facets of the file and those read, why
 // not all, and whether it is a text.
 py::tuple read_stl(const std::string& file)
 {
     call c("read");
-    tool::mesh m;
-    try {
-        m = c.run([&] { return tool::read_stl(tool::source::open(file)); });
-    } catch (const tool::unreadable& problem) {
-        c.refuse("file", problem.what());
-    }
+    tool::mesh m = mesh_of_file(c, file, tool::read_stl);
     dense2D<double> points;
     points.swap(m.pos);
     dense2D<index> triangles;
@@ -222,6 +247,7 @@ void define_check(py::module_& m)
 {
     m.def("check", &check);
     m.def("read_stl", [](const py::bytes& file) { return read_stl(file); });
+    m.def("read_obj", [](const py::bytes& file) { return read_obj(file); });
     m.def("fault_codes", &all_faults);
     m.def("kind_words", &kind_words);
 }

@@ -13,7 +13,7 @@ from numpy.typing import NDArray
 from . import _tessolv
 from ._conventions import ElementType
 from ._errors import Error
-from ._io import STL_output, WavefrontOBJ_input
+from ._io import STL_output
 from ._mesh_data import Facets, MeshData
 from ._numbering import MESHIO_NAMES, VTK_CELLS, from_numbering, to_numbering
 
@@ -105,15 +105,13 @@ def _parts_of_stl(path: Path) -> Parts:
 
 
 def parts_of_file(file: Union[str, "os.PathLike[str]"]) -> Parts:
-    """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
+    """Reads a file by its ending: STL and OBJ as the program does, all others through meshio."""
     path = _path("read", file)
     ending = path.suffix.lower()
     if ending == ".stl":
         return _parts_of_stl(path)
     if ending == ".obj":
-        part = WavefrontOBJ_input(path)
-        faces = {ElementType.TRIA3: part.tria_connect, ElementType.QUAD4: part.quad_connect}
-        return Parts(part.pos, {int(type): connect for type, connect in faces.items() if len(connect)})
+        return Parts(*_tessolv.read_obj(os.fsencode(path)))
     import meshio
 
     with _refusals_of_meshio("read"):
@@ -148,9 +146,12 @@ def write(file: Union[str, "os.PathLike[str]"], mesh: MeshData) -> None:
 
 def _path(function: str, file: Any) -> Path:
     try:
-        return Path(os.fsdecode(file))
+        name = os.fsdecode(file)
     except TypeError:
         raise Error(function, None, "file", "is no file name") from None
+    if "\0" in name:  # a name would end there
+        raise Error(function, None, "file", "is no file name")
+    return Path(name)
 
 
 @contextmanager

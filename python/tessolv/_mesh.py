@@ -75,7 +75,7 @@ class Mesh(MeshData):
 
     @classmethod
     def read(cls, file: Union[str, "os.PathLike[str]"]) -> "Mesh":
-        """Reads a file by its ending: STL and OBJ through the library, all others through meshio."""
+        """Reads a file by its ending: STL and OBJ as the program does, all others through meshio."""
         return cls(*_bridges.parts_of_file(file))
 
     def write(self, file: Union[str, "os.PathLike[str]"]) -> "Mesh":
@@ -280,7 +280,7 @@ def from_meshio(mesh: Any) -> Mesh:
 
 
 def read(file: Union[str, "os.PathLike[str]"]) -> Mesh:
-    """Reads a file by its ending: STL and OBJ through the library, all others through meshio.
+    """Reads a file by its ending: STL and OBJ as the program does, all others through meshio.
 
     STL facets are welded as `STL_input` does it; the content of the file tells binary from text, as in the program.
     """

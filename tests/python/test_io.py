@@ -114,3 +114,7 @@ def test_names_are_what_the_system_takes(tmp_path):
         with pytest.raises(ts.Error) as caught:
             ts.STL_input(name, True)
         assert caught.value.argument == "filename" and caught.value.code is None
+    for ending in ("stl", "obj", "vtu"):
+        (tmp_path / f"part.{ending}").write_text("v 0 0 0\n")
+        with pytest.raises(ts.Error, match="file: is no file name"):
+            ts.Mesh.read(f"{tmp_path}/part.{ending}\0.{ending}")

@@ -280,7 +280,7 @@ def test_formats_of_meshio_come_back(name, tmp_path):
         np.testing.assert_array_equal(again.cell_data["value"][mesh.type], field["value"][mesh.type])
 
 
-def test_parts_are_read_by_the_library(tmp_path):
+def test_parts_are_read_and_written(tmp_path):
     part = Mesh.read(PARTS / "flange.stl")
     assert len(part.boundary().cells[ts.EL_EDGE2]) == 0
     part.write(tmp_path / "again.stl")

@@ -40,8 +40,7 @@ def test_a_surface_agrees_with_what_numpy_finds_in_it(path):
         mesh = Mesh.read(path)
     except ts.Error as error:
         # Malformed, or with corners that name no node: refused as one or the other.
-        arguments = ("file",) if path.suffix.lower() == ".stl" else ("filename", "cells[TRIA3]", "cells[QUAD4]")
-        assert error.argument in arguments
+        assert error.argument == "file" or path.suffix.lower() == ".obj" and error.argument.startswith("cells[")
         return
     triangles = mesh.cells.get(ts.EL_TRIA3, np.empty((0, 3), np.uint32))
     if path.suffix.lower() == ".stl" and not _tessolv.read_stl(os.fsencode(path))[-1]:

@@ -8,6 +8,7 @@
 #include "errors.h"
 #include "findings/bad_elements.h"
 #include "formats/file_beside.h"
+#include "formats/format.h"
 #include "formats/stl_read.h"
 #include "progress.h"
 #include "terminal.h"
@@ -61,6 +62,16 @@ void write_vtk(const std::string& path, const mesh& m)
         file.commit();
     } catch (const unwritable& reason) {
         throw unwritable(std::string("cannot be written: ") + reason.what());
+    }
+}
+
+// A name that tells no format is told of, whether or not there will be anything to write.
+void require_format_of_extract(const check_options& options)
+{
+    try {
+        if (options.extract) output_format(*options.extract, {});
+    } catch (const std::exception&) {
+        throw failure_of(*options.extract, std::current_exception());
     }
 }
 
@@ -221,6 +232,7 @@ exit_status check(const check_options& options)
     rules by;
     try {
         by = rules_in_force(options);
+        require_format_of_extract(options);
     } catch (const failure& failed) {
         complain(failed.file, failed.reason);
         return failed.status;

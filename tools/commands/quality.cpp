@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <memory>
 
 #include "commands/command.h"
 #include "commands/files.h"
 #include "commands/tables.h"
+#include "findings/face_list.h"
 #include "findings/measures.h"
 #include "mesh/edit.h"
 #include "mesh/kinds.h"
@@ -25,6 +27,7 @@ constexpr std::array<double, 5> quantile_places{0.05, 0.25, 0.5, 0.75, 0.95};
 struct kind_numbers {
     const kind_info* kind;
     std::uint64_t count = 0;
+    std::uint64_t without = 0;  // elements whose quality is no number; nothing below counts them
     std::uint64_t inverted = 0;
     double min = 0;
     double max = 0;
@@ -54,7 +57,11 @@ kind_numbers numbers_of(const element_block& block, std::vector<double> values, 
     kind_numbers n;
     n.kind = &info_of(block.type);
     n.count = values.size();
+    n.without = std::erase_if(values, [](double q) { return std::isnan(q); });
+    n.quantiles.fill(std::numeric_limits<double>::quiet_NaN());
+    n.min = n.max = n.quantiles[0];
     fill_histogram(n, values, options);
+    if (values.empty()) return n;
     std::ranges::sort(values);
     n.inverted = static_cast<std::uint64_t>(std::ranges::lower_bound(values, 0.0) - values.begin());
     n.min = values.front();
@@ -71,15 +78,17 @@ json json_of(const kind_numbers& n)
     json quantiles = json::array();
     for (std::size_t i = 0; i < quantile_places.size(); ++i)
         quantiles.push_back({{"share", quantile_places[i]}, {"value", n.quantiles[i]}});
-    return {{"kind", n.kind->name}, {"count", n.count}, {"inverted", n.inverted}, {"min", n.min},
-            {"mean", n.mean},       {"max", n.max},     {"quantiles", quantiles}, {"histogram", n.histogram},
-            {"below", n.below},     {"above", n.above}};
+    return {{"kind", n.kind->name},   {"count", n.count},       {"without_quality", n.without},
+            {"inverted", n.inverted}, {"min", n.min},           {"mean", n.mean},
+            {"max", n.max},           {"quantiles", quantiles}, {"histogram", n.histogram},
+            {"below", n.below},       {"above", n.above}};
 }
 
 std::string text_of(const kind_numbers& n, const quality_options& options)
 {
     std::string text = std::string("  ") + n.kind->many + '\n';
     text += "  " + table_line("elements", std::to_string(n.count));
+    if (n.without != 0) text += "  " + table_line("without a quality", std::to_string(n.without));
     text += "  " + table_line("inverted", std::to_string(n.inverted));
     text += "  " + table_line("minimum", short_number(n.min));
     for (std::size_t i = 0; i < quantile_places.size(); ++i)
@@ -108,8 +117,9 @@ exit_status quality(const std::string& path, const quality_options& options)
     field values{"quality", 1, number_kind::real64, {}};
     json kinds = json::array();
     std::string text = path + '\n';
+    const double side = side_of_plane(m, dimension_of(m), box_of(m));
     for (const element_block& block : m.blocks) {
-        const std::vector<double> of_block = qualities_of(m, block);
+        const std::vector<double> of_block = signed_qualities(m, block, side);
         values.values.insert(values.values.end(), of_block.begin(), of_block.end());
         if (info_of(block.type).dimension < 2) continue;
         const kind_numbers n = numbers_of(block, of_block, options);

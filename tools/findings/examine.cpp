@@ -66,11 +66,11 @@ private:
         places inverted;
         places bad;
         places poor;
-        const double side = side_of_plane();
+        const double side = side_of_plane(m_, result_.dimension, result_.box);
         std::uint64_t place = 0;
         for (const element_block& block : m_.blocks) {
             const std::vector<double> sizes = relative_sizes(m_, block);
-            const std::vector<double> qualities = signed_qualities(block, side);
+            const std::vector<double> qualities = signed_qualities(m_, block, side);
             const quality_limits& limits = rules_.limits_of(block.type);
             for (std::uint64_t e = 0; e < block.size(); ++e, ++place) {
                 result_.qualities[of_.origin_of(place)] = qualities[e];
@@ -97,29 +97,6 @@ private:
         add_elements(fault::inverted, inverted);
         add_elements(fault::bad_quality, bad);
         add_elements(fault::poor_quality, poor);
-    }
-
-    // A surface in a plane z = constant has a side: that from which most of its area turns counter-clockwise. 1 from
-    // above, -1 from below, 0 for other meshes.
-    double side_of_plane() const
-    {
-        if (result_.dimension != 2 || m_.pos.rows != 3 || !is_flat()) return 0;
-        double area = 0;
-        for (const element_block& block : m_.blocks)
-            for (const double a : plane_areas(m_, block))
-                if (std::isfinite(a)) area += a;
-        return area < 0 ? -1 : 1;
-    }
-
-    // In space the library's qualities of surface elements have no sign.
-    std::vector<double> signed_qualities(const element_block& block, double side) const
-    {
-        std::vector<double> qualities = qualities_of(m_, block);
-        if (side == 0) return qualities;
-        const std::vector<double> areas = plane_areas(m_, block);
-        for (std::uint64_t e = 0; e < block.size(); ++e)
-            if (areas[e] * side < 0) qualities[e] = -qualities[e];
-        return qualities;
     }
 
     void look_at_nodes()
@@ -188,7 +165,8 @@ private:
         if (result_.dimension > 1) add_faces(fault::nonmanifold, branching);
         add_faces(fault::turned_neighbour, turned);
         if (result_.dimension == 2 && m_.pos.rows == 3) {
-            if (!is_flat()) add_faces(m_.facets ? fault::open_edge_of_stl : fault::open_edge, open);
+            // A mesh of a plane region has a border by its nature.
+            if (!is_flat(m_, result_.box)) add_faces(m_.facets ? fault::open_edge_of_stl : fault::open_edge, open);
             look_at_closed_parts(closed_parts_of(m_, faces, parts));
         }
         if (result_.parts > 1) add(fault::parts, result_.parts, 0, {});
@@ -200,13 +178,6 @@ private:
             closed.count == 1 ? "the closed surface is inside out"
                               : std::to_string(closed.inside_out) + " of " + std::to_string(closed.count) +
                                     " closed surfaces inside out");
-    }
-
-    // A mesh of a plane region has a border by its nature.
-    bool is_flat() const
-    {
-        const finite_box& box = result_.box;
-        return !m_.facets && !box.is_empty() && !(box.max[2] > box.min[2]);
     }
 
     void look_at_edges()

@@ -107,6 +107,31 @@ std::vector<double> plane_areas(const mesh& m, const element_block& block)
     return areas;
 }
 
+bool is_flat(const mesh& m, const finite_box& box)
+{
+    return !m.facets && !box.is_empty() && !(box.max[2] > box.min[2]);
+}
+
+double side_of_plane(const mesh& m, int dimension, const finite_box& box)
+{
+    if (dimension != 2 || m.pos.rows != 3 || !is_flat(m, box)) return 0;
+    double area = 0;
+    for (const element_block& block : m.blocks)
+        for (const double a : plane_areas(m, block))
+            if (std::isfinite(a)) area += a;
+    return area < 0 ? -1 : 1;
+}
+
+std::vector<double> signed_qualities(const mesh& m, const element_block& block, double side)
+{
+    std::vector<double> qualities = qualities_of(m, block);
+    if (side == 0) return qualities;
+    const std::vector<double> areas = plane_areas(m, block);
+    for (std::uint64_t e = 0; e < block.size(); ++e)
+        if (areas[e] * side < 0) qualities[e] = -qualities[e];
+    return qualities;
+}
+
 double finite_box::diagonal() const
 {
     if (is_empty()) return 0;

@@ -45,6 +45,17 @@ struct finite_box {
 };
 finite_box box_of(const mesh& m);
 
+// Whether all nodes lie in a plane z = constant. STL files are surfaces in space anyway.
+bool is_flat(const mesh& m, const finite_box& box);
+
+// A surface in a plane z = constant has a side: that from which most of its area turns counter-clockwise. 1 from above,
+// -1 from below, 0 for other meshes. The dimension is that of the mesh.
+double side_of_plane(const mesh& m, int dimension, const finite_box& box);
+
+// As qualities_of, negative where an element of such a surface turns against that side: in space the library's
+// qualities of surface elements have no sign.
+std::vector<double> signed_qualities(const mesh& m, const element_block& block, double side);
+
 // The distinct edges between two corners, in the order of the library.
 connectivity edges_of(const mesh& m);
 // Length of each.

@@ -12,6 +12,7 @@
 #include "formats/medit_write.h"
 #include "formats/obj_read.h"
 #include "formats/obj_write.h"
+#include "formats/readable.h"
 #include "formats/stl_read.h"
 #include "formats/stl_write.h"
 #include "formats/vtk_read.h"
@@ -44,32 +45,12 @@ bool has_suffix(std::string_view path, std::string_view suffix)
     return path.size() > suffix.size() && equal_words(path.substr(path.size() - suffix.size()), suffix);
 }
 
-// Without the mark that some programs put before a text.
-std::string_view without_mark(std::string_view head)
-{
-    if (head.starts_with("\xEF\xBB\xBF")) head.remove_prefix(3);
-    if (head.starts_with("\xFE\xFF") || head.starts_with("\xFF\xFE"))
-        throw unreadable("is a text in UTF-16, which is not supported");
-    return head;
-}
-
 const format* format_by_suffix(std::string_view path)
 {
     for (const format& f : table())
         for (const std::string_view suffix : f.suffixes)
             if (has_suffix(path, suffix)) return &f;
     return nullptr;
-}
-
-void refuse_packed(std::string_view head)
-{
-    constexpr std::pair<std::string_view, const char*> packers[] = {{"\x1F\x8B", "gzip"},
-                                                                    {"BZh", "bzip2"},
-                                                                    {"\xFD\x37zXZ", "xz"},
-                                                                    {"\x28\xB5\x2F\xFD", "zstd"},
-                                                                    {"PK\x03\x04", "zip"}};
-    for (const auto& [begin, packer] : packers)
-        if (head.starts_with(begin)) throw unreadable(std::string("is packed by ") + packer + ": unpack it first");
 }
 
 std::string known_names()

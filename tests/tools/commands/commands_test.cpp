@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -256,6 +257,32 @@ TEST_F(commands, QualityShowsInvertedHexahedraAsMinusOne)
     EXPECT_EQ(told["kinds"][0]["inverted"], 1);
     EXPECT_EQ(told["kinds"][0]["min"], -1.0);
     EXPECT_EQ(cell_values(written, "quality"), (values{-1}));
+}
+
+TEST_F(commands, QualityCountsElementsWithoutOneApart)
+{
+    const place far_x{1e200, 0, 0}, far_y{0, 1e200, 0};
+    const tool::mesh m = mesh_by_hand({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, far_x, far_y, {1, 1, 1}})
+                             .with(zeb::EL_TRIA3, {{0, 1, 2}, {0, 3, 4}, {1, 5, 2}, {0, 4, 3}});
+    const json kind = run("quality", m).told["kinds"][0];
+    EXPECT_EQ(kind["count"], 4);
+    EXPECT_EQ(kind["without_quality"], 2);
+    const double right_angled = 2 * std::sqrt(3.0) / ((2 + std::sqrt(2.0)) * std::sqrt(2.0));
+    EXPECT_NEAR(kind["min"].get<double>(), right_angled, 1e-12);
+    EXPECT_NEAR(kind["max"].get<double>(), 1, 1e-12);
+    EXPECT_NEAR(kind["quantiles"][2]["value"].get<double>(), right_angled, 1e-12);
+    EXPECT_NEAR(kind["quantiles"][4]["value"].get<double>(), 1, 1e-12);
+    const run_result told = tessolv({"quality", folder.path("in.vtu")});
+    EXPECT_NE(told.out.find("without a quality                 2"), std::string::npos) << told.out;
+}
+
+TEST_F(commands, QualitySeesWhatTurnsAgainstTheRestOfAPlane)
+{
+    tool::mesh m =
+        mesh_by_hand({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {1, 2, 0}}).with(zeb::EL_TRIA3, {{0, 1, 2}, {1, 2, 3}});
+    EXPECT_EQ(run("quality", m).told["kinds"][0]["inverted"], 1);
+    m.pos(2, 3) = 1;
+    EXPECT_EQ(run("quality", m).told["kinds"][0]["inverted"], 0);
 }
 
 TEST_F(commands, EdgesAreAMeshOfLinesWithTheirLengths)

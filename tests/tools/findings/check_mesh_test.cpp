@@ -205,6 +205,19 @@ TEST_F(check_mesh, ExtractsNothingFromACleanMesh)
     EXPECT_FALSE(std::filesystem::exists(bad));
 }
 
+TEST_F(check_mesh, RefusesANameThatTellsNoFormatWhateverTheVerdict)
+{
+    const std::string sound = folder.write("sound.mesh", sound_medit);
+    for (const std::string& mesh : {sound, file(faulty(), "bad.msh"), folder.path("none.mesh")}) {
+        for (const std::string& output : {folder.path("bad.foo"), std::string("-")}) {
+            const run_result result = tessolv({"check", mesh, "--extract", output});
+            EXPECT_EQ(result.status, 2) << mesh;
+            EXPECT_EQ(result.out, "");
+            EXPECT_EQ(result.err.find("tessolv: " + output + ": "), 0U) << result.err;
+        }
+    }
+}
+
 TEST_F(check_mesh, TellsTheVerdictAlsoWhereItsOutputCannotBeWritten)
 {
     const std::string bad = file(faulty(), "bad.msh");
