@@ -1,40 +1,17 @@
 #include <tessolv/core.h>
 
 #include "core/columns.h"
+#include "core/index_runs.h"
 
 namespace zeb::tessolv {
 namespace {
-
-// Entries are looked at in runs of this length without a branch in between: long enough to vectorise, short enough to
-// stop soon after the first bad one.
-constexpr std::uint64_t batch = 1024;
-
-template <class Bad>
-bool none_is_bad(const unsigned int* values, std::uint64_t count, Bad bad)
-{
-    for (std::uint64_t from = 0; from < count; from += batch) {
-        const std::uint64_t to = std::min(count, from + batch);
-        bool found = false;
-        for (std::uint64_t i = from; i < to; ++i) found |= bad(values[i]);
-        if (found) return false;
-    }
-    return true;
-}
 
 // Every entry is below n.
 bool all_below(const dense2D<unsigned int>& m, unsigned int n)
 {
     bool good = true;
-    for_each_run(m, [&](const unsigned int* run, std::uint64_t count) {
-        good = good && none_is_bad(run, count, [n](unsigned int v) { return v >= n; });
-    });
+    for_each_run(m, [&](const unsigned int* run, std::uint64_t count) { good = good && run_is_below(run, count, n); });
     return good;
-}
-
-// NONE_INDEX + 1 is 0, so that one comparison lets both kinds of valid entries through.
-bool all_below_or_none(const unsigned int* values, std::uint64_t count, unsigned int n)
-{
-    return none_is_bad(values, count, [n](unsigned int v) { return v + 1u > n; });
 }
 
 // A column of a mixed kind ends at a NONE_INDEX in row `end_a` or `end_b`; what stands above it is below n.
@@ -54,14 +31,14 @@ bool mixed_columns_below(const dense2D<unsigned int>& connect, std::uint64_t end
 
 bool check_IDs(const dense1D<unsigned int>& ids, unsigned int n)
 {
-    return ids.empty() || all_below_or_none(ids.data(), ids.size, n);
+    return ids.empty() || run_is_below_or_none(ids.data(), ids.size, n);
 }
 
 bool check_IDs(const dense2D<unsigned int>& ids, unsigned int n)
 {
     bool good = true;
     for_each_run(
-        ids, [&](const unsigned int* run, std::uint64_t count) { good = good && all_below_or_none(run, count, n); });
+        ids, [&](const unsigned int* run, std::uint64_t count) { good = good && run_is_below_or_none(run, count, n); });
     return good;
 }
 

@@ -8,6 +8,8 @@
 
 #include <tessolv/element_type.h>
 
+#include "core/index_runs.h"
+
 namespace zeb::tessolv {
 
 // The entries of column j of a matrix that is not empty, whatever its ld and offset.
@@ -36,13 +38,11 @@ void for_each_run(Matrix& m, Visit visit)
     for (std::uint64_t j = 0; j < m.cols; ++j) visit(column(m, j), m.rows);
 }
 
-template <class T>
-std::uint64_t count_of(const T& value, const dense2D<T>& m)
+// Entries that name nothing.
+inline std::uint64_t missing_in(const dense2D<unsigned int>& m)
 {
     std::uint64_t found = 0;
-    for_each_run(m, [&](const T* run, std::uint64_t n) {
-        found += static_cast<std::uint64_t>(std::count(run, run + n, value));
-    });
+    for_each_run(m, [&](const unsigned int* run, std::uint64_t count) { found += missing_in_run(run, count); });
     return found;
 }
 

@@ -7,6 +7,7 @@
 
 #include <tessolv/element_type.h>
 
+#include "core/index_runs.h"
 #include "core/scratch.h"
 #include "editing/hash_slots.h"
 
@@ -21,17 +22,7 @@ struct index_interval {
     std::uint64_t length() const { return first < bound ? bound - first : 0; }
 
     // Widens the interval to hold all indices but NONE_INDEX.
-    void include(const unsigned int* indices, std::uint64_t count)
-    {
-        unsigned int least = first;
-        unsigned int end = bound;
-        for (std::uint64_t i = 0; i < count; ++i) {
-            least = std::min(least, indices[i]);
-            end = std::max(end, indices[i] + 1u);  // NONE_INDEX + 1 is 0
-        }
-        first = least;
-        bound = end;
-    }
+    void include(const unsigned int* indices, std::uint64_t count) { widen_by_run(indices, count, first, bound); }
 };
 
 // One bit per index of an interval.

@@ -62,7 +62,7 @@ int enlarge(const dense2D<double>& pos, const Nodes& nodes, vector_fixed<double,
 
 bool names_no_node(const dense2D<unsigned int>& connect)
 {
-    return count_of(NONE_INDEX, connect) == connect.rows * connect.cols;
+    return missing_in(connect) == connect.rows * connect.cols;
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ private:
 
     struct visitor {
         unsigned int node;
-        unsigned int visit;
+        unsigned int visit;  // grows from visitor to visitor
         unsigned int site;
         bool has_company;  // there may be other sites in its box
     };
@@ -60,7 +60,8 @@ private:
     bool add_own_pairs(std::uint32_t begin, std::uint32_t end);
     void apply(const node_pair& pair);
     void apply_pairs();
-    void settle_followers();
+    void settle(const dense1D<unsigned int>& visitors);
+    void settle_by_sites(const dense1D<unsigned int>& nodes);
 
     const dense2D<double>& pos_;
     dense1D<unsigned int> targets_;
@@ -71,6 +72,7 @@ private:
     scratch<visitor> visitors_;
     balanced_tree<D> neighborhood_;     // the sites that visitors with company look at
     scratch<unsigned int> collectors_;  // visitors with company, in the order of their places there
+    bool is_one_list_ = false;          // all visitors are targets, and the other way round
     double crowd_ = 0;                  // neighbours of a visitor in the collection that was given up last
     scratch<node_pair> pairs_;
 };
@@ -89,9 +91,7 @@ bool set_merge<D>::run(const dense1D<unsigned int>& visitors, const dense1D<unsi
         apply_pairs();
     else if (at_once == outcome::no_memory || !merge_in_rounds(most))
         return false;
-    settle_followers();
-    // The nodes on the way are visitors too.
-    for (const unsigned int node : visitors) follow(new_IDs_, node);
+    is_one_list_ ? settle_by_sites(visitors) : settle(visitors);
     return true;
 }
 
@@ -100,10 +100,11 @@ template <int D>
 bool set_merge<D>::find_sites(const dense1D<unsigned int>& visitors, const dense1D<unsigned int>& targets)
 {
     targets_.shallow_copy(targets);
-    const bool one_list = visitors.data() == targets.data() && visitors.size == targets.size;
-    if (one_list) {
+    is_one_list_ = visitors.data() == targets.data() && visitors.size == targets.size;
+    if (is_one_list_) {
         if (!sites_.build(visitors)) return false;
         if (!sites_.has_nan()) return true;
+        is_one_list_ = false;
     }
     return find_visible_nodes<D>(pos_, targets, targets_) && sites_.build(visitors, targets_);
 }
@@ -116,9 +117,15 @@ bool set_merge<D>::has_free(const site<D>& s, unsigned int other_than) const
            (s.followers != 0 && s.taken_by == NONE_INDEX);
 }
 
+// Of one list, the first node of each site is what counts, and sites stand in the order of these.
 template <int D>
 bool set_merge<D>::list_visitors(const dense1D<unsigned int>& visitors)
 {
+    if (is_one_list_) {
+        if (!visitors_.allocate(sites_.size())) return false;
+        for (unsigned int s = 0; s < sites_.size(); ++s) visitors_[s] = {sites_[s].target, s, s, false};
+        return true;
+    }
     if (!visitors_.allocate(std::min<std::uint64_t>(visitors.size, 2 * sites_.size()))) return false;
     visitors_.clear();
     for (std::uint64_t k = 0; k < visitors.size; ++k) {
@@ -285,12 +292,29 @@ void set_merge<D>::apply_pairs()
 }
 
 template <int D>
-void set_merge<D>::settle_followers()
+void set_merge<D>::settle(const dense1D<unsigned int>& visitors)
 {
     for (std::uint64_t k = 0; k < targets_.size; ++k) {
         if (sites_.of_target(k) == NONE_INDEX) continue;
         const site<D>& s = sites_[sites_.of_target(k)];
         if (targets_[k] != s.target && s.taken_by != NONE_INDEX) new_IDs_[targets_[k]] = s.taken_by;
+    }
+    // The nodes on the way are visitors too.
+    for (const unsigned int node : visitors) follow(new_IDs_, node);
+}
+
+// The same of one list: what has become of a site is found once for all its nodes.
+template <int D>
+void set_merge<D>::settle_by_sites(const dense1D<unsigned int>& nodes)
+{
+    for (unsigned int i = 0; i < sites_.size(); ++i) {
+        site<D>& s = sites_[i];
+        follow(new_IDs_, s.target);
+        if (s.taken_by != NONE_INDEX) s.taken_by = follow(new_IDs_, s.taken_by);
+    }
+    for (std::uint64_t k = 0; k < nodes.size; ++k) {
+        const site<D>& s = sites_[sites_.of_visitor(k)];
+        if (nodes[k] != s.target && s.taken_by != NONE_INDEX) new_IDs_[nodes[k]] = s.taken_by;
     }
 }
 

@@ -77,12 +77,14 @@ private:
 template <int D>
 bool site_table<D>::build(const dense1D<unsigned int>& nodes)
 {
-    return clear(nodes.size) && number(nodes, of_visitor_, [](site<D>& s, unsigned int node) {
-               if (s.target == NONE_INDEX)
-                   s.target = node;
-               else
-                   ++s.followers;
-           });
+    const bool done = clear(nodes.size) && number(nodes, of_visitor_, [](site<D>& s, unsigned int node) {
+                          if (s.target == NONE_INDEX)
+                              s.target = node;
+                          else
+                              ++s.followers;
+                      });
+    slots_ = scratch<slot>();
+    return done;
 }
 
 template <int D>
@@ -101,7 +103,9 @@ bool site_table<D>::build(const dense1D<unsigned int>& visitors, const dense1D<u
         else if (s.target != node)
             ++s.followers;
     };
-    return number(visitors, of_visitor_, meet_visitor) && number(targets, of_target_, meet_target);
+    const bool done = number(visitors, of_visitor_, meet_visitor) && number(targets, of_target_, meet_target);
+    slots_ = scratch<slot>();
+    return done;
 }
 
 // No site yet; room for `most`, of which only what is used is touched.
@@ -149,24 +153,26 @@ bool site_table<D>::number(const dense1D<unsigned int>& nodes, scratch<unsigned 
 template <int D>
 unsigned int site_table<D>::find_or_add(const lookup& wanted)
 {
-    if (wanted.x != wanted.x) {
-        has_nan_ = true;
-        return NONE_INDEX;
-    }
     const std::size_t mask = slots_.size() - 1;
     std::size_t i = wanted.hash & mask;
     for (; slots_[i].site != NONE_INDEX; i = (i + 1) & mask)
         if (slots_[i].tag == tag_of(wanted.hash) && sites_[slots_[i].site].x == wanted.x) return slots_[i].site;
+    if (wanted.x != wanted.x) {
+        has_nan_ = true;
+        return NONE_INDEX;
+    }
     slots_[i] = {tag_of(wanted.hash), count_};
     sites_[count_] = {wanted.x, NONE_INDEX, NONE_INDEX, 0, NONE_INDEX};
     return count_++;
 }
 
+// In larger steps while that is cheap.
 template <int D>
 bool site_table<D>::grow()
 {
+    constexpr std::size_t small = 1 << 18;
     scratch<slot> larger;
-    if (!larger.allocate(4 * slots_.size(), {0, NONE_INDEX})) return false;
+    if (!larger.allocate((slots_.size() < small ? 4 : 2) * slots_.size(), {0, NONE_INDEX})) return false;
     const std::size_t mask = larger.size() - 1;
     for (unsigned int s = 0; s < count_; ++s) {
         const std::uint64_t hash = hash_of(sites_[s].x);

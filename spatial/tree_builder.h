@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include "core/scratch.h"
 #include "spatial/ordered_splitter.h"
 #include "spatial/rough_node.h"
 #include "spatial/tree_record.h"
+#include "spatial/wide_partition.h"
 
 namespace zeb::tessolv {
 
@@ -74,10 +76,13 @@ private:
     // Where this many levels in a row did not halve a set that is not small, splitting it once per level would be slow.
     static constexpr unsigned int patience = 12 * D;
     static constexpr unsigned int small = 256;
+    static constexpr unsigned int worth_wide = 16;
 
     void gather(const scratch<unsigned int>& nodes, const tree_table<D>& records);
     [[nodiscard]] bool split_all(tree_table<D>& records);
     unsigned int partition(const range& set, const dense2D<double>& pos);
+    static void deal(dealing<D>& nodes, const rough_node<D>* end, int d, const rough_node<D>& root,
+                     const dense2D<double>& pos);
     static range child_of(const range& set, unsigned int begin, unsigned int end);
     [[nodiscard]] bool link_directly(const range& set, tree_table<D>& records);
     [[nodiscard]] bool put_in_order(tree_table<D>& records);
@@ -86,6 +91,7 @@ private:
     std::array<bool, D> is_flat_;  // no coordinate is less than another one
     scratch<rough_node<D>> rough_;
     scratch<rough_node<D>> spare_;
+    const bool is_wide_ = has_wide_partition();
     bool scattered_ = false;
     unsigned int deepest_ = 0;
 };
@@ -154,13 +160,30 @@ unsigned int tree_builder<D>::partition(const range& set, const dense2D<double>&
     const int d = static_cast<int>(set.depth % D);
     if (is_flat_[d]) return set.begin + 1;
     const rough_node<D> root = rough_[set.begin];
-    const float c = root.u[d];
-    rough_node<D>* left = rough_.data() + set.begin + 1;
-    rough_node<D>* right = spare_.data();
+    rough_node<D>* const begin = rough_.data() + set.begin + 1;
     const rough_node<D>* const end = rough_.data() + set.end;
-    for (const rough_node<D>* next = left; next != end; ++next) {
+    dealing<D> nodes{begin, begin, spare_.data()};
+    if (D == 3 && is_wide_ && set.size() > worth_wide) {
+        while (nodes.next != end) {
+            if constexpr (D == 3) deal_by_four(nodes, end, d, root.u[d]);
+            deal(nodes, nodes.next + std::min<std::ptrdiff_t>(4, end - nodes.next), d, root, pos);
+        }
+    } else {
+        deal(nodes, end, d, root, pos);
+    }
+    std::copy(spare_.data(), nodes.right, nodes.left);
+    return static_cast<unsigned int>(nodes.left - rough_.data());
+}
+
+template <int D>
+void tree_builder<D>::deal(dealing<D>& nodes, const rough_node<D>* end, int d, const rough_node<D>& root,
+                           const dense2D<double>& pos)
+{
+    const float c = root.u[d];
+    auto [next, left, right] = nodes;
+    for (; next != end; ++next) {
+        const float u = next->u[d];  // not of the copy, which then stays in a register
         const rough_node<D> moved = *next;
-        const float u = moved.u[d];
         bool is_left = u < c;
         if (!(u < c) && !(u > c)) [[unlikely]]
             is_left = goes_left(column(pos, root.node)[d], column(pos, moved.node)[d]);
@@ -170,8 +193,7 @@ unsigned int tree_builder<D>::partition(const range& set, const dense2D<double>&
         left += is_left;
         right += !is_left;
     }
-    std::copy(spare_.data(), right, left);
-    return static_cast<unsigned int>(left - rough_.data());
+    nodes = {next, left, right};
 }
 
 template <int D>

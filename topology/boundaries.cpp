@@ -37,7 +37,7 @@ int find_boundaries(const dense2D<unsigned int>& connect, const dense2D<unsigned
     // Filled apart and handed over last: `boundaries` may be one of the inputs. In a mixed matrix the missing fourth
     // faces of triangles count too, so that columns of NONE_INDEX may stand at the end: part of the interface.
     dense2D<unsigned int> found;
-    if (refused != success || !found.resize(face_width<Element>, count_of(NONE_INDEX, neighbors), NONE_INDEX)) {
+    if (refused != success || !found.resize(face_width<Element>, missing_in(neighbors), NONE_INDEX)) {
         boundaries.clear();
         return refused;  // exhausted memory is not reported here: part of the interface
     }

@@ -10,6 +10,7 @@
 #include <tessolv/element_type.h>
 
 #include "core/columns.h"
+#include "core/index_runs.h"
 #include "core/scratch.h"
 
 // Equal faces brought together. Faces are equal when their sorted vertices are, so orientation plays no part.
@@ -28,23 +29,14 @@ struct vertex_bounds {
     // Takes in the first `nodes` rows of a connectivity; NONE_INDEX is no vertex.
     void include(const dense2D<unsigned int>& connect, std::uint64_t nodes)
     {
+        unsigned int beyond = 0;
         if (nodes == connect.rows) {
-            for_each_run(connect, [this](const unsigned int* run, std::uint64_t count) { include(run, count); });
+            for_each_run(connect, [&](const unsigned int* run, std::uint64_t count) {
+                widen_by_run(run, count, lowest, beyond);
+            });
         } else {
-            for (std::uint64_t e = 0; e < connect.cols; ++e) include(column(connect, e), nodes);
+            for (std::uint64_t e = 0; e < connect.cols; ++e) widen(column(connect, e), nodes, lowest, beyond);
         }
-    }
-
-private:
-    void include(const unsigned int* vertices, std::uint64_t count)
-    {
-        unsigned int low = lowest;
-        unsigned int beyond = 0;  // one more than the largest: NONE_INDEX + 1 is 0 and never counts
-        for (std::uint64_t i = 0; i < count; ++i) {
-            low = std::min(low, vertices[i]);
-            beyond = std::max(beyond, vertices[i] + 1u);
-        }
-        lowest = low;
         if (beyond != 0) highest = std::max(highest, beyond - 1);
     }
 };

@@ -323,6 +323,15 @@ dense2D<unsigned> fan(unsigned rows, unsigned elements, unsigned common)
     return connect;
 }
 
+// Elements that share vertex 0 and nothing else, but for the last ones, which are the first ones again.
+dense2D<unsigned> star(unsigned rows, unsigned elements, unsigned repeated)
+{
+    dense2D<unsigned> connect(rows, elements, 0);
+    for (unsigned e = 0; e < elements; ++e)
+        for (unsigned i = 1; i < rows; ++i) connect(i, e) = e % (elements - repeated) * (rows - 1) + i;
+    return connect;
+}
+
 // Edges that all add up to one number.
 dense2D<unsigned> pairs_of_one_sum(unsigned elements)
 {
@@ -357,6 +366,7 @@ TEST_P(LargeMesh, AgreesWithAMapOfFaces)
 INSTANTIATE_TEST_SUITE_P(GetNeighbors, LargeMesh,
                          testing::Values(large_mesh{"Tetrahedra", EL_TETRA4, tetra_grid(12)},
                                          large_mesh{"ShuffledTetrahedra", EL_TETRA4, shuffled(tetra_grid(12), 1)},
+                                         large_mesh{"ManyShuffledTetrahedra", EL_TETRA4, shuffled(tetra_grid(16), 7)},
                                          large_mesh{"Hexahedra", EL_HEXA8, shuffled(hexa_grid(16), 2)},
                                          large_mesh{"Triangles", EL_TRIA3, shuffled(tria_grid(80), 3)},
                                          large_mesh{"Quadrangles", EL_QUAD4, shuffled(quad_grid(80), 4)},
@@ -365,6 +375,8 @@ INSTANTIATE_TEST_SUITE_P(GetNeighbors, LargeMesh,
                                          large_mesh{"TrianglesOnOneVertex", EL_TRIA3, fan(3, 40000, 1)},
                                          large_mesh{"TrianglesOnOneEdge", EL_TRIA3, fan(3, 40000, 2)},
                                          large_mesh{"TetrahedraOnOneVertex", EL_TETRA4, fan(4, 50000, 1)},
+                                         large_mesh{"TrianglesWithNothingElse", EL_TRIA3, star(3, 40000, 100)},
+                                         large_mesh{"TetrahedraWithNothingElse", EL_TETRA4, star(4, 30000, 16000)},
                                          large_mesh{"LinesOnOneVertex", EL_EDGE2, fan(2, 100000, 1)},
                                          large_mesh{"OneTriangleManyTimes", EL_TRIA3, fan(3, 40000, 3)},
                                          large_mesh{"EdgesOfOneSum", EL_TRIA3, pairs_of_one_sum(40000)}),
