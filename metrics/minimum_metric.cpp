@@ -132,8 +132,8 @@ double dot(const vector_fixed<double, 3>& a, const vector_fixed<double, 3>& b)
 // and the result is M1 + (mu - 1) v v' or M2 + (1 - mu) v v' with v = L w, where the unit vector w spans the columns of
 // (C - mu' I)(C - mu'' I), whose factors cancel the directions of the other two. Applied once more they cancel what the
 // rounding of mu' and mu'' left, which is much where the three are of different magnitudes. The Rayleigh quotient of w
-// then knows mu better than the spectrum does; unless mu and its neighbour are both 1 but for rounding, when w may be any
-// direction.
+// then knows mu better than the spectrum does, within the doubt that this leaves: where mu and its neighbour are nearly
+// equal beside the third, what w still has of the direction of the third may outweigh what mu lacks to 1.
 tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>& C, const square_matrix<3>& L)
 {
     direct_spectrum s;
@@ -149,9 +149,9 @@ tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>
     const double scale = squared > 0.0 ? 1.0 / squared : 0.0;
     for (double& component : w) component *= scale;
     w = shifted_product(C, mu[other], shifted_product(C, mu[1], w));
-    const double length = dot(w, w), most = std::abs(mu[alone] - 1.0) + 1e-15 * (mu[2] - mu[0]);
+    const double length = dot(w, w), known = std::abs(mu[alone] - 1.0), doubt = 1e-15 * (mu[2] - mu[0]);
     const double excess = std::abs(dot(w, shifted_product(C, 1.0, w)));
-    const double weight = length > 0.0 ? std::min(excess / length, most) / length : 0.0;
+    const double weight = length > 0.0 ? std::clamp(excess / length, known - doubt, known + doubt) / length : 0.0;
     const double v[] = {L(0, 0) * w[0], L(1, 0) * w[0] + L(1, 1) * w[1],
                         L(2, 0) * w[0] + L(2, 1) * w[1] + L(2, 2) * w[2]};
     tensor<3> result = greatest_alone ? M1 : M2;

@@ -283,6 +283,21 @@ TEST(MinimumMetric, InACommonFrameTakesTheGreaterEigenvalues)
     }
 }
 
+// Two eigenvalues are 1 but for little more than the rounding of the third.
+TEST(MinimumMetric, OfTheUnitTensorAndANeedleIsTheNeedleMadeRound)
+{
+    std::mt19937_64 random(24);
+    std::uniform_real_distribution<double> unit;
+    for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
+        const auto Q = test::random_frame<3>(random);
+        const long double greatest = std::pow(10.0L, 10 * unit(random));
+        const long double gap = greatest * std::pow(10.0L, -12 - 3 * unit(random));
+        S3 found;
+        ASSERT_TRUE(minimum_metric(diagonal<3>({1, 1, 1}), test::tensor_of<3>(Q, {1 - gap, 1, greatest}), found));
+        expect_close(found, test::tensor_of<3>(Q, {1, 1, greatest}), 1e-14L * greatest);
+    }
+}
+
 // Where the two tensors are nearly the same, all eigenvalues of the one in terms of the other lie around 1.
 TEST(MinimumMetric, OfNearlyEqualTensorsIsNearBoth)
 {
