@@ -160,6 +160,29 @@ tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>
     return result;
 }
 
+// Whether products of two entries keep their digits, where `greatest` is the greatest entry on the diagonal. Otherwise
+// both tensors are brought near 1 by the same power of two, of which the directions and mu know nothing.
+bool squares_fit(double greatest)
+{
+    return greatest > 1e-140 && greatest < 1e140;
+}
+
+tensor<3> times_power_of_two(tensor<3> M, int exponent)
+{
+    for (double& m : M) m = std::ldexp(m, exponent);
+    return M;
+}
+
+bool intersect(const tensor<3>& M1, const tensor<3>& M2, tensor<3>& result)
+{
+    cholesky_factor f;
+    if (!cholesky(M1, f)) return false;
+    const auto C = reduced(M2, f);
+    if (!is_finite(C)) return false;
+    result = intersection(M1, M2, C, f.L);
+    return true;
+}
+
 template <std::size_t N>
 bool store_if_finite(const tensor<N>& result, tensor<N>& Mout)
 {
@@ -182,10 +205,14 @@ bool minimum_metric(const symmetric_fixed<double, 2>& M1, const symmetric_fixed<
 bool minimum_metric(const symmetric_fixed<double, 3>& M1, const symmetric_fixed<double, 3>& M2,
                     symmetric_fixed<double, 3>& Mout)
 {
-    cholesky_factor f;
-    if (!is_finite(M1) || !is_finite(M2) || !cholesky(M1, f)) return false;
-    const auto C = reduced(M2, f);
-    return is_finite(C) && store_if_finite(intersection(M1, M2, C, f.L), Mout);
+    if (!is_finite(M1) || !is_finite(M2)) return false;
+    const double greatest = std::max({M1[0], M1[2], M1[5]});
+    if (!(greatest > 0.0)) return false;
+    tensor<3> result;
+    if (squares_fit(greatest)) return intersect(M1, M2, result) && store_if_finite(result, Mout);
+    const int exponent = std::ilogb(greatest);
+    return intersect(times_power_of_two(M1, -exponent), times_power_of_two(M2, -exponent), result) &&
+           store_if_finite(times_power_of_two(result, exponent), Mout);
 }
 
 }  // namespace zeb::tessolv
