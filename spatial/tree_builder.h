@@ -81,8 +81,8 @@ private:
     void gather(const scratch<unsigned int>& nodes, const tree_table<D>& records);
     [[nodiscard]] bool split_all(tree_table<D>& records);
     unsigned int partition(const range& set, const dense2D<double>& pos);
-    static void deal(dealing<D>& nodes, const rough_node<D>* end, int d, const rough_node<D>& root,
-                     const dense2D<double>& pos);
+    [[gnu::always_inline]] static inline void deal(dealing<D>& nodes, const rough_node<D>* end, int d,
+                                                   const rough_node<D>& root, const dense2D<double>& pos);
     static range child_of(const range& set, unsigned int begin, unsigned int end);
     [[nodiscard]] bool link_directly(const range& set, tree_table<D>& records);
     [[nodiscard]] bool put_in_order(tree_table<D>& records);
@@ -182,8 +182,8 @@ void tree_builder<D>::deal(dealing<D>& nodes, const rough_node<D>* end, int d, c
     const float c = root.u[d];
     auto [next, left, right] = nodes;
     for (; next != end; ++next) {
-        const float u = next->u[d];  // not of the copy, which then stays in a register
         const rough_node<D> moved = *next;
+        const float u = moved.u[d];
         bool is_left = u < c;
         if (!(u < c) && !(u > c)) [[unlikely]]
             is_left = goes_left(column(pos, root.node)[d], column(pos, moved.node)[d]);

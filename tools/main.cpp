@@ -11,6 +11,8 @@
 #include "commands/options.h"
 #include "documents/documents.h"
 #include "help.h"
+#include "terminal.h"
+#include "words.h"
 
 namespace {
 
@@ -29,6 +31,30 @@ void declare(CLI::App& program, std::function<exit_status()>& chosen)
     tool::declare_document(program, chosen);
 }
 
+// One FILE too many is meant for the output, as other programs have it.
+std::string too_many_files(const CLI::App& command, const std::vector<std::string>& files)
+{
+    const std::string reason = command.get_name() + " takes one FILE, not " + std::to_string(files.size());
+    const CLI::Option* output = command.get_option_no_throw("--output");
+    if (files.size() != 2 || output == nullptr || !output->empty()) return reason;
+    return reason + "; to write " + tool::printable(files[1]) + ": --output " + tool::printable(files[1]);
+}
+
+std::string reason_of(const CLI::App& program, const CLI::ParseError& error)
+{
+    const std::vector<CLI::App*> chosen = program.get_subcommands();
+    const std::string name = error.get_name();
+    if (chosen.empty() && name != "RequiredError") return error.what();
+    const std::vector<std::string> words = program.remaining();
+    if (chosen.empty())
+        return (words.empty() ? "" : tool::quoted(tool::printable(words[0])) + " is no command; ") +
+               "the commands are " + tool::command_names();
+    const CLI::Option* files = chosen.front()->get_option_no_throw("FILE");
+    if (name != "ArgumentMismatch" || !std::string_view(error.what()).starts_with("FILE:") || files == nullptr)
+        return error.what();
+    return too_many_files(*chosen.front(), files->results());
+}
+
 exit_status run(int argc, char** argv)
 {
     CLI::App program("", "tessolv");
@@ -40,9 +66,7 @@ exit_status run(int argc, char** argv)
         program.exit(answered);
         return tool::exit_clean;
     } catch (const CLI::ParseError& error) {
-        const bool no_command = program.get_subcommands().empty() && error.get_name() == "RequiredError";
-        std::fprintf(stderr, "tessolv: %s\nTry 'tessolv --help'.\n",
-                     no_command ? ("the commands are " + tool::command_names()).c_str() : error.what());
+        std::fprintf(stderr, "tessolv: %s\nTry 'tessolv --help'.\n", reason_of(program, error).c_str());
         return tool::exit_usage;
     }
     return chosen();

@@ -1,19 +1,9 @@
 # Installs the library, moves the installed tree elsewhere, and builds and runs a host against it by both packages.
 # cmake -DBUILD=... -DSOURCE=... -DWORK=... -DCXX=... -DFLAGS=... -P install_test.cmake
 cmake_minimum_required(VERSION 3.25)
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT code EQUAL 0)
-    message(FATAL_ERROR "failed (${code}): ${ARGN}\n${out}${err}")
-  endif()
-  set(output "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
-file(REMOVE_RECURSE ${WORK})
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
-file(RENAME ${WORK}/first ${WORK}/prefix)
-
-file(GLOB_RECURSE installed RELATIVE ${WORK}/prefix ${WORK}/prefix/*)
+install_elsewhere()
 foreach(wanted include/tessolv/tessolv.h include/zeb/dense1D.h libtessolv.so.3.9.3 libtessolv.so.3 tessolvConfig.cmake
     tessolv.pc)
   if(NOT "${installed}" MATCHES "${wanted}")

@@ -1,19 +1,9 @@
 # Installs the program alone, moves it elsewhere, and runs it with the library that came along.
 # cmake -DBUILD=... -DWORK=... -DVERSION=... -P tool_test.cmake
 cmake_minimum_required(VERSION 3.25)
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE code OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT code EQUAL 0)
-    message(FATAL_ERROR "failed (${code}): ${ARGN}\n${out}${err}")
-  endif()
-  set(output "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
-file(REMOVE_RECURSE ${WORK})
-run(${CMAKE_COMMAND} --install ${BUILD} --component tool --prefix ${WORK}/first)
-file(RENAME ${WORK}/first ${WORK}/prefix)
-
-file(GLOB_RECURSE installed RELATIVE ${WORK}/prefix ${WORK}/prefix/*)
+install_elsewhere(--component tool)
 string(REGEX REPLACE "lib/[^;]*libtessolv" "lib/libtessolv" plain "${installed}")
 set(expected bin/tessolv lib/libtessolv.so.3 lib/libtessolv.so.${VERSION} share/bash-completion/completions/tessolv
   share/man/man1/tessolv.1 share/zsh/site-functions/_tessolv)

@@ -1,11 +1,5 @@
 # cmake -DPYTHON=... -DSOURCE=... -DBUILD=... -DENVIRONMENT=... -P install_test.cmake
-function(run)
-  execute_process(COMMAND ${ARGV} RESULT_VARIABLE failed OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(failed)
-    message(FATAL_ERROR "${ARGV}\n${output}")
-  endif()
-  message("${output}")
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../install/run.cmake)
 
 file(REMOVE_RECURSE ${ENVIRONMENT})
 run(${PYTHON} -m venv --system-site-packages ${ENVIRONMENT})

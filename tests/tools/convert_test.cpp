@@ -48,6 +48,18 @@ TEST(Info, TellsWhatAFileHolds)
     EXPECT_EQ(object["bounding_box"]["max"], ordered_json({1, 1, 1}));
 }
 
+TEST(Info, NamesNoRangeOfAFieldWithoutAFiniteValue)
+{
+    const temporary_folder folder;
+    const std::string part = folder.write("part.vtk",
+                                          "# vtk DataFile Version 3.0\nx\nASCII\nDATASET UNSTRUCTURED_GRID\nPOINTS 1 "
+                                          "double\n0 0 0\nCELLS 1 2\n1 0\nCELL_TYPES 1\n1\nCELL_DATA 1\nSCALARS "
+                                          "heat double\nLOOKUP_TABLE default\nnan\n");
+    const run_result plain = tessolv({"info", part});
+    EXPECT_NE(plain.out.find("  cell field 'heat', 1 component, no finite value\n"), std::string::npos) << plain.out;
+    EXPECT_EQ(ordered_json::parse(tessolv({"info", part, "--json"}).out)["cell_fields"][0]["min"], nullptr);
+}
+
 TEST(Info, GoesOnAfterAFileThatCannotBeRead)
 {
     const temporary_folder folder;
@@ -119,14 +131,50 @@ TEST(Convert, TellsWhatIsLostOnStandardErrorOnly)
     EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("a.stl"), "--quiet"}).err, "");
 }
 
+TEST(Convert, TellsOnceWhatItLeavesOutOfAnObj)
+{
+    const temporary_folder folder;
+    const std::string part =
+        folder.write("part.obj",
+                     "mtllib a.mtl\nv 0 0 0 1 0 0\nv 1 0 0 1 0 0\nv 1 1 0 1 0 0.5\nv 0 1 0 1.0\nusemtl "
+                     "red\nf 1 2 3\nusemtl blue\nf 1 3 4\n");
+    EXPECT_EQ(
+        tessolv({"convert", part, "--output", folder.path("a.stl")}).err,
+        "tessolv: " + part + ": note: colours of nodes left out\ntessolv: " + part + ": note: materials left out\n");
+    const std::string plain = folder.write("plain.obj", "v 0 0 0\nv 1 0 0 1 # weight\nv 1 1 0 # 1 2 3 4\nf 1 2 3\n");
+    EXPECT_EQ(tessolv({"convert", plain, "--output", folder.path("a.stl")}).err, "");
+}
+
+TEST(Convert, TakesASecondFileForTheOutputThatIsMeant)
+{
+    const temporary_folder folder;
+    const std::string part = folder.write("part.mesh", one_tetrahedron);
+    const std::string hint = "tessolv: convert takes one FILE, not 2; to write b.vtu: --output b.vtu\n";
+    EXPECT_EQ(tessolv({"convert", part, "b.vtu"}).err.find(hint), 0u);
+    EXPECT_EQ(tessolv({"convert", part, "b.vtu"}).status, 2);
+    EXPECT_NE(
+        tessolv({"boundary", part, "b.vtu"}).err.find("boundary takes one FILE, not 2; to write b.vtu: --output b.vtu"),
+        std::string::npos);
+    for (const std::vector<std::string>& other :
+         {std::vector<std::string>{"convert", part, "b.vtu", "--output", "c.vtu"},
+          {"convert", part, "--bogus"},
+          {"convert", part, "b.vtu", "c.vtu"}}) {
+        const run_result result = tessolv(other);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err.find("to write"), std::string::npos) << result.err;
+    }
+}
+
 TEST(Convert, TellsWhatBecomesOfTheNamesOfGroups)
 {
     const temporary_folder folder;
     const std::string part = folder.write("part.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\ng plate\nf 1 2 3\n");
     EXPECT_EQ(
-        tessolv({"convert", part, "--output", folder.path("a.vtu")}).err,
-        "tessolv: " + folder.path("a.vtu") + ": note: VTU holds no names of groups: only their numbers are written\n");
-    EXPECT_NE(tessolv({"info", folder.path("a.vtu")}).out.find("group 1, dimension 2, 1 element"), std::string::npos);
+        tessolv({"convert", part, "--output", folder.path("a.vtk")}).err,
+        "tessolv: " + folder.path("a.vtk") + ": note: VTK holds no names of groups: only their numbers are written\n");
+    EXPECT_NE(tessolv({"info", folder.path("a.vtk")}).out.find("group 1, dimension 2, 1 element"), std::string::npos);
+    EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("a.vtu")}).err, "");
+    EXPECT_NE(tessolv({"info", folder.path("a.vtu")}).out.find("group 1 'plate', dimension 2"), std::string::npos);
 }
 
 TEST(Convert, RefusesWhatTheFormatCannotHold)
@@ -136,8 +184,7 @@ TEST(Convert, RefusesWhatTheFormatCannotHold)
     const run_result result = tessolv({"convert", part, "--output", folder.path("a.stl")});
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.err,
-              "tessolv: " + folder.path("a.stl") +
-                  ": STL cannot hold 1 tetrahedron; --lossy writes what it can, 'boundary' makes the surface\n");
+              "tessolv: " + folder.path("a.stl") + ": STL cannot hold 1 tetrahedron; 'boundary' makes the surface\n");
     EXPECT_FALSE(std::filesystem::exists(folder.path("a.stl")));
     EXPECT_EQ(tessolv({"convert", part, "--output", "/dev/full", "--format", "vtk"}).status, 4);
     EXPECT_EQ(tessolv({"convert", part, "--output", folder.path("no/folder.vtk")}).status, 4);

@@ -110,6 +110,50 @@ TEST_F(documents, HelpNamesWhatIsToBeFound)
     EXPECT_TRUE(options_of_help("weld").contains("-h"));
 }
 
+// What a message advises must be there: in the command that was run, or in one that the message names.
+TEST_F(documents, MessagesAdviseOnlyOptionsThatThereAre)
+{
+    const std::string solid = folder.write("solid.mesh",
+                                           "MeshVersionFormatted 2\nDimension 3\nVertices\n5\n0 0 0 0\n1 0 0 0\n"
+                                           "0 1 0 0\n0 0 1 0\n9 9 9 0\nTetrahedra\n2\n1 2 3 4 6\n1 2 2 4 6\nEnd\n");
+    const std::string values =
+        folder.write("values.sol", "MeshVersionFormatted 2\nDimension 3\nSolAtVertices\n5\n1 1\n1\n2\n3\n4\n5\nEnd\n");
+    const std::vector<std::vector<std::string>> calls{{"check", solid, "--extract", folder.path("a.stl")},
+                                                      {"check", solid, "--extract", folder.path("a.xyz")},
+                                                      {"check", solid, "--extract", folder.path("a.case")},
+                                                      {"check", solid, "--extract", "-"},
+                                                      {"check", solid, "--extract", solid},
+                                                      {"check", solid, "--output", folder.path("a.vtk")},
+                                                      {"check", solid, "--format", "none"},
+                                                      {"check", values},
+                                                      {"info", values},
+                                                      {"info", solid, "--format", "none"},
+                                                      {"clean", values},
+                                                      {"clean", solid, "--input-format", "none"},
+                                                      {"clean", solid, "--output", folder.path("a.stl")},
+                                                      {"clean", solid, "--output", folder.path("a.xyz")},
+                                                      {"clean", solid, "--output", folder.path("a.case")},
+                                                      {"clean", solid, "--output", "-"},
+                                                      {"clean", solid, "--output", solid},
+                                                      {"report", solid, "--output", solid},
+                                                      {"neighbors", solid, "--list", solid},
+                                                      {"weld", solid, "--map", solid},
+                                                      {"convert", solid, "b.vtu"}};
+    const std::regex option("--[a-z-]+");
+    const std::regex command("'([a-z]+)'");
+    for (const std::vector<std::string>& call : calls) {
+        const test::run_result result = tessolv(call);
+        ASSERT_GE(result.status, 2) << testing::PrintToString(call);
+        const std::string text = section(result.err, "", "\nTry ");
+        words known = options_of_help(call[0]);
+        for (std::sregex_iterator at(text.begin(), text.end(), command), end; at != end; ++at)
+            known.merge(options_of_help((*at)[1]));
+        for (std::sregex_iterator at(text.begin(), text.end(), option), end; at != end; ++at)
+            EXPECT_TRUE(known.contains(at->str())) << text;
+    }
+    EXPECT_NE(tessolv({"clean", solid, "--input-format", "none"}).err.find("--input-format none:"), std::string::npos);
+}
+
 TEST_F(documents, ManualHasEveryCommandAndOption)
 {
     const std::string manual = document("man");

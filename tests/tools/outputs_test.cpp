@@ -78,11 +78,7 @@ TEST_P(EveryWriter, LeavesNoHalfWrittenFileWhenASignalEndsIt)
         const run_result result = tessolv(all, {.file_size = too_short, .working_directory = folder.path("")});
         EXPECT_EQ(result.status, 128 + SIGXFSZ) << result.err;
         const files left = files_in(folder);
-        EXPECT_FALSE(left.contains(output)) << output;
-        for (const auto& [name, bytes] : left) {
-            ASSERT_TRUE(wanted.contains(name)) << name;
-            EXPECT_EQ(bytes, wanted.at(name)) << name;
-        }
+        EXPECT_EQ(left, (files{{"in.stl", wanted.at("in.stl")}})) << output;
     }
 }
 
@@ -197,7 +193,7 @@ TEST(SeveralFiles, AreMeasuredOneAfterTheOther)
     for (const std::string command : {"info", "quality", "check"}) {
         const run_result result = tessolv({command, path, none, path, "--json"});
         EXPECT_EQ(result.status, 3);
-        EXPECT_EQ(std::ranges::count(result.out, '\n'), command == "check" ? 3 : 2) << result.out;
+        EXPECT_EQ(std::ranges::count(result.out, '\n'), 3) << result.out;
         EXPECT_NE(result.err.find(none), std::string::npos);
         EXPECT_EQ(tessolv({command, path, none, "--skip-unreadable"}).status, command == "check" ? 1 : 0);
         EXPECT_EQ(tessolv({command, path, "--quiet"}).out.empty(), command != "check");

@@ -13,7 +13,6 @@
 #include "tools/stl_files.h"
 
 namespace test {
-namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& texts)
 {
@@ -21,6 +20,8 @@ std::vector<char*> pointers(std::vector<std::string>& texts)
     std::ranges::transform(texts, all.begin(), [](std::string& text) { return text.data(); });
     return all;
 }
+
+namespace {
 
 void redirect(const std::string& path, int descriptor)
 {

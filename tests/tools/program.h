@@ -24,6 +24,9 @@ struct run_result {
     std::string err;
 };
 
+// For the calls of the system that start a program: where each text begins, and null.
+std::vector<char*> pointers(std::vector<std::string>& texts);
+
 // Runs the program tessolv.
 run_result tessolv(const std::vector<std::string>& arguments, const run_options& options = {});
 

@@ -6,10 +6,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 
+#include "tools/program.h"
 #include "tools/stl_files.h"
 
 namespace test {
@@ -18,13 +18,6 @@ namespace {
 using namespace std::chrono_literals;
 using clock = std::chrono::steady_clock;
 using milliseconds = std::chrono::milliseconds;
-
-std::vector<char*> pointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> all(texts.size() + 1, nullptr);
-    std::ranges::transform(texts, all.begin(), [](std::string& text) { return text.data(); });
-    return all;
-}
 
 [[noreturn]] void become_tessolv(std::vector<std::string>& arguments, const terminal_options& options, int input,
                                  const std::string& out)

@@ -36,9 +36,20 @@ std::vector<face_side> chosen_faces(const mesh& m, bool nonmanifold)
     return chosen;
 }
 
+// The corners of a face, each once: of an element that collapsed a quadrangle may be a triangle.
+std::vector<unsigned int> corners_of(const element_block& block, std::uint64_t e, const local_face& face)
+{
+    std::vector<unsigned int> corners;
+    for (unsigned int i = 0; i < face.width; ++i) {
+        const unsigned int node = block.connect(face.nodes[i], e);
+        if (std::ranges::find(corners, node) == corners.end()) corners.push_back(node);
+    }
+    return corners;
+}
+
 // A mesh of these faces on the same nodes, turned like the elements that they belong to, with their groups, their
-// fields and their numbers in the field "element".
-mesh mesh_of_faces(const mesh& m, const std::vector<face_side>& faces)
+// fields and their numbers in the field "element". Counts the quadrangles that collapsed.
+mesh mesh_of_faces(const mesh& m, const std::vector<face_side>& faces, std::uint64_t& collapsed)
 {
     const element_places places(m);
     mesh_builder builder;
@@ -47,8 +58,10 @@ mesh mesh_of_faces(const mesh& m, const std::vector<face_side>& faces)
         const element_block& block = m.blocks[places.block_of(side.element)];
         const std::uint64_t e = side.element - places.first(places.block_of(side.element));
         const local_face& face = faces_of(block.type)[side.face];
-        unsigned int* nodes = builder.add(type_of_face(face.width), block.group(e), item++);
-        for (unsigned int i = 0; i < face.width; ++i) nodes[i] = block.connect(face.nodes[i], e);
+        const std::vector<unsigned int> corners = corners_of(block, e, face);
+        const auto width = static_cast<unsigned int>(corners.size());
+        std::ranges::copy(corners, builder.add(type_of_face(width), block.group(e), item++));
+        collapsed += width < face.width;
     }
     mesh result = m;
     result.facets.reset();
@@ -76,7 +89,11 @@ exit_status boundary(const std::string& path, const boundary_options& options)
     const loaded input = load_sound(path, options.shared);
     const mesh& m = input.content;
     const int dimension = dimension_of(m);
-    const mesh faces = mesh_of_faces(m, chosen_faces(m, options.nonmanifold));
+    std::uint64_t collapsed = 0;
+    const mesh faces = mesh_of_faces(m, chosen_faces(m, options.nonmanifold), collapsed);
+    if (collapsed != 0 && !options.shared.quiet)
+        remark(path, counted(collapsed, "quadrangle with a node twice is a triangle",
+                             "quadrangles with a node twice are triangles"));
     if (options.shared.output) save_some(faces, options.shared);
     if (options.shared.json) {
         json kinds = json::object();

@@ -67,9 +67,8 @@ std::function<exit_status()> declare_clip(CLI::App& app)
     app.add_option("--point", options->point, "a point of the plane")->required()->expected(3);
     app.add_option("--normal", options->normal, "its normal, towards the side that is kept")->required()->expected(3);
     app.parse_complete_callback([options] {
-        double square = 0;
-        for (const double x : options->normal) square += x * x;
-        if (!(square >= 1e-24)) throw CLI::ValidationError("--normal", "has no direction");
+        require_finite("--point", options->point);
+        take_direction("--normal", options->normal);
     });
     return [options] {
         return for_each_file(options->shared, [&](const std::string& path) { return clip(path, *options); });

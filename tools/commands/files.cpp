@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <optional>
 
+#include "commands/tables.h"
 #include "errors.h"
 #include "formats/medit_read.h"
 #include "progress.h"
@@ -19,6 +21,12 @@ void add_solution(const std::string& path, mesh& m)
     } catch (const std::exception&) {
         throw failure_of(path, std::current_exception());
     }
+}
+
+// The reason, with the name of the file that it is about where that is another one.
+std::string told(const failure& failed, const std::string& path)
+{
+    return failed.file == path ? failed.reason : failed.file + ": " + failed.reason;
 }
 
 // Whether two outputs would end up in one place.
@@ -72,7 +80,8 @@ loaded load(const std::string& path, const shared_options& options)
     try {
         progress::stage("reading", path);
         source from = source::open(path);
-        const format& as = input_format(from, options.format_of_inputs());
+        const format& as =
+            input_format(from, options.format_of_inputs(), options.writes_mesh ? "--input-format" : "--format");
         mesh content = read_mesh(from, std::string(as.name));
         if (options.solution) add_solution(*options.solution, content);
         progress::stage("working on", path);
@@ -115,6 +124,7 @@ void save(const mesh& m, const shared_options& options)
         how.ascii = options.ascii;
         how.lossy = options.lossy;
         how.library = options.writer == "library";
+        how.advises = options.writes_mesh;
         how.notes = &notes;
         write_mesh(m, path, options.format, how);
     } catch (const std::exception&) {
@@ -124,18 +134,25 @@ void save(const mesh& m, const shared_options& options)
         if (!options.quiet) remark(path, note);
 }
 
-void save_table(const shared_options& options, const std::function<void(sink&)>& write)
+void save_with_table(const mesh& m, const shared_options& options, const std::function<void(sink&)>& write)
 {
-    if (!options.table) return;
-    try {
+    std::optional<sink> table;
+    const auto on_table = [&](auto work) {
+        try {
+            if (options.table) work();
+        } catch (const std::exception&) {
+            throw failure_of(*options.table, std::current_exception());
+        }
+    };
+    on_table([&] {
         require_no_input(*options.table, options);
         progress::stage("writing", *options.table);
-        sink to(*options.table);
-        write(to);
-        to.commit();
-    } catch (const std::exception&) {
-        throw failure_of(*options.table, std::current_exception());
-    }
+        table.emplace(*options.table);
+        write(*table);
+        table->finish();
+    });
+    if (options.output) save(m, options);
+    on_table([&] { table->commit(); });
 }
 
 exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
@@ -154,7 +171,10 @@ exit_status for_each_file(const shared_options& options, const std::function<exi
         } catch (const std::exception&) {
             const failure failed = failure_of(path, std::current_exception());
             complain(failed.file, failed.reason);
-            if (on_failure) on_failure(failed);
+            if (on_failure)
+                on_failure(failed);
+            else if (options.json)
+                print_json({{"file", path}, {"error", told(failed, path)}, {"status", int{failed.status}}});
             const bool skipped = options.skip_unreadable && failed.status == exit_unreadable;
             worst = std::max(worst, skipped ? exit_clean : failed.status);
         }

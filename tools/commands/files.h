@@ -46,12 +46,12 @@ void require_no_input(const std::string& path, const shared_options& options);
 void save(const mesh& m, const shared_options& options);
 
 // Runs work(path) for every file; whatever happens to one, the next ones are still looked at. The highest status
-// counts. on_failure, if any, is told of each failure besides the complaint.
+// counts. With --json a failure has its line too, in the place of a result; on_failure, if any, writes it in its own way.
 exit_status for_each_file(const shared_options& options, const std::function<exit_status(const std::string&)>& work,
                           const std::function<void(const failure&)>& on_failure = {});
 
-// Writes the second output by write(sink), where it is asked for. Throws `failure`.
-void save_table(const shared_options& options, const std::function<void(sink&)>& write);
+// Writes the mesh, and by write(sink) the second output, as far as they are asked for: both or none. Throws `failure`.
+void save_with_table(const mesh& m, const shared_options& options, const std::function<void(sink&)>& write);
 
 // Puts any exception into the form of a failure of that file.
 failure failure_of(const std::string& file, const std::exception_ptr& error);

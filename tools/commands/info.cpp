@@ -76,6 +76,11 @@ std::string number_text(double value)
     return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
+std::string range_text(const range& r)
+{
+    return r.least > r.most ? "no finite value" : number_text(r.least) + " to " + number_text(r.most);
+}
+
 json fields_object(const std::vector<field>& fields)
 {
     json list = json::array();
@@ -117,12 +122,9 @@ std::string json_text(const std::string& path, const loaded& input)
 
 void add_fields(std::string& text, const char* title, const std::vector<field>& fields)
 {
-    for (const field& f : fields) {
-        const range r = range_of(f.values);
+    for (const field& f : fields)
         text += "  " + std::string(title) + " '" + printable(f.name) + "', " +
-                counted(f.components, "component", "components") + ", " + number_text(r.least) + " to " +
-                number_text(r.most) + '\n';
-    }
+                counted(f.components, "component", "components") + ", " + range_text(range_of(f.values)) + '\n';
 }
 
 std::string plain_text(const std::string& path, const loaded& input)
@@ -133,8 +135,7 @@ std::string plain_text(const std::string& path, const loaded& input)
                        '\n';
     for (const element_block& block : m.blocks) text += "  " + counted_elements(block.size(), block.type) + '\n';
     const char* axis = "xyz";
-    for (const range& r : box_of(m.pos))
-        text += std::string("  ") + *axis++ + " from " + number_text(r.least) + " to " + number_text(r.most) + '\n';
+    for (const range& r : box_of(m.pos)) text += std::string("  ") + *axis++ + " from " + range_text(r) + '\n';
     for (const group_summary& g : groups_of(m))
         text += "  group " + std::to_string(g.number) + (g.name.empty() ? "" : " '" + printable(g.name) + "'") +
                 ", dimension " + std::to_string(g.dimension) + ", " + counted(g.elements, "element", "elements") + '\n';

@@ -74,19 +74,17 @@ exit_status neighbors(const std::string& path, const neighbors_options& options)
     loaded input = load_sound(path, options.shared);
     mesh& m = input.content;
     const adjacency a = adjacency_of(m);
-    save_table(options.shared, [&](sink& to) { write_list(to, m, a); });
+    field counts{"neighbours", 1, number_kind::integer, {}};
+    for (const auto& across : a.across)
+        counts.values.push_back(static_cast<double>(6 - std::count(across.begin(), across.end(), adjacency::none)));
+    set_cell_field(m, std::move(counts));
+    save_with_table(m, options.shared, [&](sink& to) { write_list(to, m, a); });
     if (options.shared.json)
         print_json({{"file", path}, {"links", a.links}, {"free_faces", a.free}, {"nonmanifold_faces", a.branching}});
     else if (!options.shared.quiet)
         tell(options.shared, path + ": " + counted(a.links, "face", "faces") + " of two elements, " +
                                  std::to_string(a.free) + " of one, " + std::to_string(a.branching) +
                                  " of three or more\n");
-    if (!options.shared.output) return exit_clean;
-    field counts{"neighbours", 1, number_kind::integer, {}};
-    for (const auto& across : a.across)
-        counts.values.push_back(static_cast<double>(6 - std::count(across.begin(), across.end(), adjacency::none)));
-    set_cell_field(m, std::move(counts));
-    save(m, options.shared);
     return exit_clean;
 }
 

@@ -1,5 +1,7 @@
 #include "commands/options.h"
 
+#include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "formats/format.h"
@@ -88,10 +90,26 @@ void declare_colour(CLI::App& app)
         ->check(CLI::IsMember({"auto", "always", "never"}));
 }
 
+void require_finite(const char* option, const std::vector<double>& numbers)
+{
+    if (!std::ranges::all_of(numbers, [](double x) { return std::isfinite(x); }))
+        throw CLI::ValidationError(option, "takes finite numbers");
+}
+
+void take_direction(const char* option, std::vector<double>& vector)
+{
+    require_finite(option, vector);
+    double largest = 0;
+    for (const double x : vector) largest = std::max(largest, std::fabs(x));
+    if (largest == 0) throw CLI::ValidationError(option, "has no direction");
+    for (double& x : vector) x = std::scalbn(x, -std::ilogb(largest));
+}
+
 void require_distance(const shared_options& options)
 {
-    if (options.tolerance && !(*options.tolerance >= 0))
-        throw CLI::ValidationError("--tolerance", "is negative or no number");
+    if (!options.tolerance) return;
+    require_finite("--tolerance", {*options.tolerance});
+    if (*options.tolerance < 0) throw CLI::ValidationError("--tolerance", "is negative");
 }
 
 void require_one_file(const shared_options& options, const char* option, bool given)

@@ -45,6 +45,12 @@ void declare_tolerance(CLI::App& app, shared_options& options, const std::string
 void declare_table(CLI::App& app, shared_options& options, const std::string& name, const std::string& description);
 void declare_colour(CLI::App& app);  // of every command
 
+// Refuses infinities, and what is no number.
+void require_finite(const char* option, const std::vector<double>& numbers);
+
+// Refuses a vector without a direction. Any other becomes about as long as 1: by a power of two, which changes no digit.
+void take_direction(const char* option, std::vector<double>& vector);
+
 // Refuses a tolerance that is no distance.
 void require_distance(const shared_options& options);
 

@@ -100,10 +100,11 @@ exit_status parts(const std::string& path, const parts_options& options)
     const mesh_parts found = parts_of(m, face_list(m, dimension_of(m)));
     const std::vector<part_numbers> numbers = numbers_of(m, found);
     const std::vector<std::uint32_t> chosen = chosen_parts(options, numbers);
+    if (options.shared.output) {
+        select_parts(m, found, chosen);
+        save_some(m, options.shared);
+    }
     report(path, options.shared, numbers);
-    if (!options.shared.output) return exit_clean;
-    select_parts(m, found, chosen);
-    save_some(m, options.shared);
     return exit_clean;
 }
 

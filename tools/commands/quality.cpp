@@ -116,13 +116,12 @@ exit_status quality(const std::string& path, const quality_options& options)
         kinds.push_back(json_of(n));
         text += text_of(n, options);
     }
+    set_cell_field(m, std::move(values));
+    if (options.shared.output) save(m, options.shared);
     if (options.shared.json)
         print_json({{"file", path}, {"range", options.range}, {"kinds", kinds}});
     else if (!options.shared.quiet)
         tell(options.shared, text);
-    if (!options.shared.output) return exit_clean;
-    set_cell_field(m, std::move(values));
-    save(m, options.shared);
     return exit_clean;
 }
 
@@ -141,7 +140,9 @@ std::function<exit_status()> declare_quality(CLI::App& app)
     app.parse_complete_callback([options] {
         require_one_file(options->shared, "--output", options->shared.output.has_value());
         require_one_file(options->shared, "--sol", options->shared.solution.has_value());
+        require_finite("--range", options->range);
         if (!(options->range[0] < options->range[1])) throw CLI::ValidationError("--range", "does not ascend");
+        require_finite("--range", {options->range[1] - options->range[0]});
     });
     return [options] {
         return for_each_file(options->shared, [&](const std::string& path) { return quality(path, *options); });

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <memory>
@@ -8,6 +7,7 @@
 #include "commands/files.h"
 #include "commands/tables.h"
 #include "errors.h"
+#include "findings/measures.h"
 #include "words.h"
 
 namespace tool {
@@ -35,7 +35,7 @@ vector rotation_of(const transform_options& options)
 {
     const vector axis = vector_of(options.axis);
     const double length = std::hypot(axis[0], axis[1], axis[2]);
-    const double angle = *options.angle * std::numbers::pi / 180 / length;
+    const double angle = std::fmod(*options.angle, 360) * std::numbers::pi / 180 / length;
     return {axis[0] * angle, axis[1] * angle, axis[2] * angle};
 }
 
@@ -57,12 +57,24 @@ void transform_nodes(mesh& m, const transform_options& options)
     if (plane && m.pos.rows == 3) flatten(m);
 }
 
+// Numbers as large or as small as doubles do not hold.
+void require_a_mesh_left(const mesh& m, double diagonal_before)
+{
+    const std::vector<std::uint64_t> lost = faults_of(m).not_finite;
+    if (!lost.empty())
+        throw wrong_usage("node " + std::to_string(node_number(m, lost.front())) +
+                          " would be moved beyond the range of numbers");
+    if (diagonal_before > 0 && !(box_of(m).diagonal() > 0)) throw wrong_usage("the mesh would become a point");
+}
+
 exit_status transform(const std::string& path, const transform_options& options)
 {
     loaded input = load_sound(path, options.shared);
     mesh& m = input.content;
     const int rows = static_cast<int>(m.pos.rows);
+    const double diagonal = box_of(m).diagonal();
     transform_nodes(m, options);
+    require_a_mesh_left(m, diagonal);
     if (options.scale && *options.scale < 0 && rows == 3 && !options.shared.quiet)
         remark(path, "the mesh is mirrored: its elements are inverted");
     if (options.shared.output) save(m, options.shared);
@@ -73,17 +85,15 @@ exit_status transform(const std::string& path, const transform_options& options)
     return exit_clean;
 }
 
-void check_together(const transform_options& options)
+void check_together(transform_options& options)
 {
     if (options.angle.has_value() == options.axis.empty())
         throw CLI::ValidationError("--angle", "and --axis go together");
-    if (options.angle && std::ranges::all_of(options.axis, [](double x) { return x == 0; }))
-        throw CLI::ValidationError("--axis", "has no direction");
-    const auto is_finite = [](double x) { return std::isfinite(x); };
-    if (!std::ranges::all_of(options.axis, is_finite) || !std::ranges::all_of(options.centre, is_finite) ||
-        !std::ranges::all_of(options.shift, is_finite) || !is_finite(options.angle.value_or(0)) ||
-        !is_finite(options.scale.value_or(1)))
-        throw CLI::ValidationError("transform", "takes finite numbers");
+    if (options.angle) take_direction("--axis", options.axis);
+    require_finite("--centre", options.centre);
+    require_finite("--translate", options.shift);
+    require_finite("--angle", {options.angle.value_or(0)});
+    require_finite("--scale", {options.scale.value_or(1)});
     if (options.scale == 0.0) throw CLI::ValidationError("--scale", "would leave a point");
 }
 

@@ -44,10 +44,11 @@ double shortest_edge(const mesh& m)
 double tolerance_of(const mesh& m, const weld_options& options)
 {
     constexpr double one_place = 1e-9;
-    if (!options.shared.tolerance) return one_place * box_of(m).diagonal();
-    const double tolerance = *options.shared.tolerance;
-    if (options.relative == "box") return tolerance * box_of(m).diagonal();
-    if (options.relative == "edge") return tolerance * shortest_edge(m);
+    if (!options.shared.tolerance) return box_of(m).share_of_diagonal(one_place);
+    double tolerance = *options.shared.tolerance;
+    if (options.relative == "box") tolerance = box_of(m).share_of_diagonal(tolerance);
+    if (options.relative == "edge") tolerance *= shortest_edge(m);
+    if (!std::isfinite(tolerance)) throw wrong_usage("--tolerance is no finite distance in this mesh");
     return tolerance;
 }
 
@@ -110,8 +111,7 @@ exit_status weld(const std::string& path, const weld_options& options)
     mesh numbers;  // the numbers alone, for the map
     numbers.node_numbers = m.node_numbers;
     const weld_result result = weld_nodes(m, tolerance_of(m, options), options.scope());
-    if (options.shared.output) save(m, options.shared);
-    save_table(options.shared, [&](sink& to) { write_map(to, numbers, result); });
+    save_with_table(m, options.shared, [&](sink& to) { write_map(to, numbers, result); });
     report(path, options, result, collapsed_elements(m) - collapsed_before);
     return exit_clean;
 }

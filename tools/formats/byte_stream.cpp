@@ -35,13 +35,13 @@ void base64_bytes::decode_group()
     for (int k = 0; k < 4; ++k) {
         const int c = in_.peek();
         if (c < 0) in_.fail("the file ends within the data");
-        in_.skip_one();
         const unsigned char digit = digits[static_cast<std::size_t>(c)];
         if (c == '=') {
             ++padding;
         } else if (digit == no_digit || padding != 0) {
             in_.fail("what is no base64 text");
         }
+        in_.skip_one();
         bits = bits << 6 | (c == '=' ? 0u : digit);
     }
     if (padding > 2) in_.fail("what is no base64 text");

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "formats/format.h"
@@ -43,6 +44,10 @@ void for_each_part(const writable_block& b, node_order convention, Visit visit)
 // which many programs add for their own ends.
 std::vector<writable_block> writable_blocks(const mesh& m, std::string_view format, bool (*holds)(zeb::element_type),
                                             const write_options& options);
+
+// Nodes between the corners of elements that are written by their corners belong to nobody any more: the mesh without
+// them, with a note. Nothing where there are none.
+std::optional<mesh> without_lost_nodes(const mesh& m, bool (*holds)(zeb::element_type), const write_options& options);
 
 // Notes what a format has no place for.
 void note_fields(const mesh& m, std::string_view format, const write_options& options);

@@ -239,10 +239,14 @@ std::uint64_t cursor::line_number() const
     return lines_ + static_cast<std::uint64_t>(std::count(static_cast<const char*>(block_.data()), at_, '\n'));
 }
 
+std::string cursor::place() const
+{
+    return binary_ ? "byte " + std::to_string(offset()) : "line " + std::to_string(line_number());
+}
+
 void cursor::fail(const std::string& reason) const
 {
-    if (binary_) throw unreadable("byte " + std::to_string(offset()) + ": " + reason);
-    throw unreadable("line " + std::to_string(line_number()) + ": " + reason);
+    throw unreadable(place() + ": " + reason);
 }
 
 void cursor::fail_at_word(const std::string& wanted)

@@ -71,6 +71,8 @@ public:
     // Keeps counting lines elsewhere: for a part of a file that begins on this line.
     void set_first_line(std::uint64_t line) { lines_ = line; }
 
+    // "line 7", or "byte 312" in a binary part.
+    std::string place() const;
     [[noreturn]] void fail(const std::string& reason) const;
     // What follows instead of something that is wanted.
     [[noreturn]] void fail_at_word(const std::string& wanted);

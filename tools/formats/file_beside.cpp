@@ -9,6 +9,7 @@
 #include <climits>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <system_error>
 
 #include "errors.h"
@@ -21,12 +22,21 @@ namespace {
     throw unwritable(std::generic_category().message(errno));
 }
 
-// The file that a signal would leave half-written. A handler may touch nothing but such plain memory.
-std::array<char, PATH_MAX> unfinished{};
+// The files that a signal would leave half-written. A handler may touch nothing but such plain memory.
+constexpr std::size_t most_at_once = 4;
+std::array<std::array<char, PATH_MAX>, most_at_once> unfinished{};
+
+char* free_note()
+{
+    for (auto& name : unfinished)
+        if (name[0] == '\0') return name.data();
+    throw internal_error("more outputs at once than a signal would remove");
+}
 
 extern "C" void remove_unfinished_and_die(int signal)
 {
-    if (unfinished[0] != '\0') unlink(unfinished.data());
+    for (const auto& name : unfinished)
+        if (name[0] != '\0') unlink(name.data());
     struct sigaction standard {};
     standard.sa_handler = SIG_DFL;
     sigaction(signal, &standard, nullptr);
@@ -65,11 +75,19 @@ private:
     sigset_t before_{};
 };
 
-// A link stays a link: what it leads to is written.
-std::string resolved(const std::string& path)
+// A link stays a link: what it leads to is written, or made where it leads to nothing yet.
+std::string resolved(std::string path)
 {
     std::array<char, PATH_MAX> buffer{};
-    return realpath(path.c_str(), buffer.data()) != nullptr ? std::string(buffer.data()) : path;
+    constexpr int most_links = 40;
+    for (int links = 0; links <= most_links; ++links) {
+        if (realpath(path.c_str(), buffer.data()) != nullptr) return buffer.data();
+        std::error_code no_link;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, no_link);
+        if (no_link) return path;
+        path = std::filesystem::path(path).parent_path() / target;
+    }
+    throw unwritable(std::generic_category().message(ELOOP));
 }
 
 mode_t usual_mode()
@@ -93,14 +111,15 @@ file_beside::file_beside(const std::string& path) : path_(resolved(path))
         return;
     }
     std::string name = path_ + ".part-XXXXXX";
-    if (name.size() >= unfinished.size()) throw unwritable("the name is too long");
+    if (name.size() >= PATH_MAX) throw unwritable("the name is too long");
     remove_on_signals();
+    char* const note = free_note();
     const signals_held until_its_name_is_noted;
     const int descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0) throw_last_error();
     name_ = name;
-    name.copy(unfinished.data(), name.size());
-    unfinished[name.size()] = '\0';
+    noted_ = note;
+    noted_[name.copy(noted_, name.size())] = '\0';
     fchmod(descriptor, exists ? status.st_mode & 07777 : usual_mode());
     close(descriptor);
 }
@@ -109,14 +128,14 @@ file_beside::~file_beside()
 {
     if (name_.empty() || in_place_) return;
     unlink(name_.c_str());
-    unfinished[0] = '\0';
+    noted_[0] = '\0';
 }
 
 void file_beside::commit()
 {
     if (in_place_) return;
     if (rename(name_.c_str(), path_.c_str()) != 0) throw_last_error();
-    unfinished[0] = '\0';
+    noted_[0] = '\0';
     name_.clear();
 }
 

@@ -6,7 +6,7 @@
 namespace tool {
 
 // A file that grows beside its place and takes it when it is whole. What is not committed leaves nothing behind, after
-// a signal neither. A device or pipe is written in its place. One at a time. Failures are `unwritable`.
+// a signal neither. A device or pipe is written in its place. A few at a time. Failures are `unwritable`.
 class file_beside {
 public:
     explicit file_beside(const std::string& path);
@@ -21,7 +21,8 @@ public:
 
 private:
     std::string path_;
-    std::string name_;  // empty once it is committed
+    std::string name_;       // empty once it is committed
+    char* noted_ = nullptr;  // for signals
     bool in_place_ = false;
 };
 

@@ -79,6 +79,14 @@ std::string known_names()
     return joined(names);
 }
 
+std::string written_suffixes()
+{
+    std::vector<std::string> suffixes;
+    for (const format& f : table())
+        if (f.write != nullptr) suffixes.emplace_back(f.suffixes.front());
+    return joined(suffixes);
+}
+
 }  // namespace
 
 std::span<const format> all_formats()
@@ -86,16 +94,16 @@ std::span<const format> all_formats()
     return table();
 }
 
-const format& format_named(std::string_view name)
+const format& format_named(std::string_view name, const char* option)
 {
     for (const format& f : table())
         if (f.name == name) return f;
-    throw wrong_usage("--format " + std::string(name) + ": the formats are " + known_names());
+    throw wrong_usage(std::string(option) + ' ' + std::string(name) + ": the formats are " + known_names());
 }
 
-const format& input_format(const source& from, const std::optional<std::string>& name)
+const format& input_format(const source& from, const std::optional<std::string>& name, const char* option)
 {
-    if (name) return format_named(*name);
+    if (name) return format_named(*name, option);
     if (from.size() == 0) throw unreadable("is empty");
     const std::string bytes = from.head();
     const std::string_view head = without_mark(bytes);
@@ -109,10 +117,15 @@ const format& input_format(const source& from, const std::optional<std::string>&
     throw unreadable("is of no known format: neither its content nor its name tells one");
 }
 
-const format& output_format(const std::string& path, const std::optional<std::string>& name)
+const format& output_format(const std::string& path, const std::optional<std::string>& name,
+                            const write_options& options)
 {
     if (name) return format_named(*name);
     if (const format* found = format_by_suffix(path)) return *found;
+    if (!options.advises)
+        throw wrong_usage((path == "-" ? "standard output has no suffix that tells the format, as "
+                                       : "no format has this suffix: there are ") +
+                          written_suffixes());
     throw wrong_usage(path == "-" ? "standard output needs --format: one of " + known_names()
                                   : "no format has this suffix; --format takes one of " + known_names());
 }
@@ -127,9 +140,11 @@ mesh read_mesh(const source& from, const std::optional<std::string>& name)
 void write_mesh(const mesh& m, const std::string& path, const std::optional<std::string>& name,
                 const write_options& options)
 {
-    const format& f = output_format(path, name);
+    const format& f = output_format(path, name, options);
     if (options.library) return write_by_library(m, f.name, path, options);
-    if (f.write == nullptr) throw wrong_usage(std::string(f.title) + " files are written with --writer library only");
+    if (f.write == nullptr)
+        throw wrong_usage(std::string(f.title) + " files are written with --writer library only" +
+                          (options.advises ? "" : ", which 'convert' has"));
     sink to(path);
     f.write(m, to, options);
     to.commit();

@@ -17,6 +17,7 @@ struct write_options {
     bool ascii = false;    // text where a format has both
     bool lossy = false;    // leave out, and tell, what the format cannot hold, instead of refusing
     bool library = false;  // the library's own writer instead of the complete one
+    bool advises = true;   // messages may name --format, --lossy and --writer: the command has them
     // What was left out or changed, for people.
     std::vector<std::string>* notes = nullptr;
 
@@ -44,14 +45,15 @@ struct format {
 // Every format, those whose content tells more first.
 std::span<const format> all_formats();
 
-// The format of that name; throws `wrong_usage` with the names that there are.
-const format& format_named(std::string_view name);
+// The format of that name; throws `wrong_usage` with the names that there are for the option.
+const format& format_named(std::string_view name, const char* option = "--format");
 
-// How an input is to be read: by name, else by content, else by suffix. Throws `unreadable`.
-const format& input_format(const source& from, const std::optional<std::string>& name);
+// How an input is to be read: by name, which the option gave, else by content, else by suffix. Throws `unreadable`.
+const format& input_format(const source& from, const std::optional<std::string>& name, const char* option = "--format");
 
 // How an output is to be written: by name, else by suffix. Throws `wrong_usage`.
-const format& output_format(const std::string& path, const std::optional<std::string>& name);
+const format& output_format(const std::string& path, const std::optional<std::string>& name,
+                            const write_options& options = {});
 
 // Reads a mesh. Throws `unreadable`.
 mesh read_mesh(const source& from, const std::optional<std::string>& name = {});

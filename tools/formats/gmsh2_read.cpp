@@ -20,10 +20,8 @@ public:
     {
         const std::int64_t announced = input_.in.integer("the number of elements");
         input_.in.skip_line();
-        input_.in.set_binary(input_.binary);
         const std::uint64_t total = input_.count(announced, 4, 8, "elements");
         for (std::uint64_t done = 0; done < total;) done += input_.binary ? read_block(total - done) : read_one();
-        input_.in.set_binary(false);
     }
 
 private:
@@ -109,7 +107,6 @@ void read_gmsh2_nodes(gmsh_input& input)
 {
     const std::int64_t announced = input.in.integer("the number of nodes");
     input.in.skip_line();
-    input.in.set_binary(input.binary);
     const std::uint64_t total = input.count(announced, 4, 28, "nodes");
     input.pos.reserve(total);
     if (input.binary) {
@@ -120,7 +117,6 @@ void read_gmsh2_nodes(gmsh_input& input)
             input.in.reals(input.pos.append(), 3, "a coordinate");
         }
     }
-    input.in.set_binary(false);
     input.index_nodes();
 }
 

@@ -41,7 +41,6 @@ std::uint64_t read_counts(gmsh_input& input, std::uint64_t numbers, std::uint64_
                           std::uint64_t& total)
 {
     input.in.skip_line();
-    input.in.set_binary(input.binary);
     const std::uint64_t blocks = input.count(input.large("a number of blocks"), 4, 20, "blocks");
     total = input.count(input.large("a count"), numbers, bytes, what);
     input.large("the least number");
@@ -103,14 +102,12 @@ std::uint64_t read_element_block(gmsh_input& input, const gmsh_entities& entitie
 void read_gmsh4_entities(gmsh_input& input, gmsh_entities& entities)
 {
     input.in.skip_line();
-    input.in.set_binary(input.binary);
     std::array<std::int64_t, 4> counts;
     input.integers(counts.data(), 4, scalar_type::int64, "a number of entities");
     for (std::int64_t dimension = 0; dimension < 4; ++dimension) {
         const std::uint64_t count = input.count(counts[static_cast<std::size_t>(dimension)], 5, 32, "entities");
         for (std::uint64_t k = 0; k < count; ++k) read_entity(input, dimension, entities);
     }
-    input.in.set_binary(false);
     input.has_physical_groups = !entities.empty();
 }
 
@@ -121,7 +118,6 @@ void read_gmsh4_nodes(gmsh_input& input)
     input.pos.reserve(total);
     for (std::uint64_t b = 0; b < blocks; ++b) read_node_block(input, total - input.pos.size());
     if (input.pos.size() != total) input.in.fail("the counts of nodes do not add up");
-    input.in.set_binary(false);
     input.index_nodes();
 }
 
@@ -132,7 +128,6 @@ void read_gmsh4_elements(gmsh_input& input, const gmsh_entities& entities)
     std::uint64_t done = 0;
     for (std::uint64_t b = 0; b < blocks; ++b) done += read_element_block(input, entities, total - done);
     if (done != total) input.in.fail("the counts of elements do not add up");
-    input.in.set_binary(false);
 }
 
 }  // namespace tool

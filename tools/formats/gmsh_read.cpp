@@ -35,6 +35,7 @@ private:
         if (!is_version_4_ && !version.starts_with("2"))
             in().fail("version " + version + ", where 2.2 or 4.1 should be");
         input_.binary = in().integer("the kind of the file") == 1;
+        in().set_binary(input_.binary);
         in().integer("the size of numbers");
         in().skip_line();
         if (input_.binary) {
@@ -149,7 +150,6 @@ private:
     void take_values(field& f, std::int64_t announced, bool of_nodes)
     {
         if (!(of_nodes ? input_.has_nodes : input_.has_elements)) in().fail("data of what is not there yet");
-        in().set_binary(input_.binary);
         const std::uint64_t count =
             input_.count(announced, 1 + f.components, 4 + 8 * std::uint64_t{f.components}, "values");
         const number_index index(of_nodes ? input_.result.node_numbers : element_numbers());
@@ -161,7 +161,6 @@ private:
             input_.reals(value.data(), f.components, "a value");
             if (item != number_index::none) std::copy_n(value.data(), f.components, &f.values[item * f.components]);
         }
-        in().set_binary(false);
         (of_nodes ? input_.result.point_fields : input_.result.cell_fields).push_back(std::move(f));
     }
 

@@ -102,13 +102,11 @@ std::string with_suffix(const std::string& path, const std::string& suffix)
     return (has_suffix ? path.substr(0, dot) : path) + suffix;
 }
 
-void write_case(const std::string& path, const std::string& geometry)
+std::string case_text(const std::string& geometry)
 {
     const std::size_t folder = geometry.rfind('/');
-    sink to(path);
-    to.text("FORMAT\ntype: ensight\n\nGEOMETRY\nmodel: " + geometry.substr(folder == geometry.npos ? 0 : folder + 1) +
-            '\n');
-    to.commit();
+    return "FORMAT\ntype: ensight\n\nGEOMETRY\nmodel: " + geometry.substr(folder == geometry.npos ? 0 : folder + 1) +
+           '\n';
 }
 
 }  // namespace
@@ -125,8 +123,12 @@ void write_by_library(const mesh& m, std::string_view format, const std::string&
     note_fields(m, "the library's output", options);
     file_beside file(geometry);
     require_written(write_one(file.name().c_str(), format, taken, options));
+    if (format != "ensight") return file.commit();
+    sink beside(with_suffix(geometry, ".case"));
+    beside.text(case_text(geometry));
+    beside.finish();
     file.commit();
-    if (format == "ensight") write_case(with_suffix(geometry, ".case"), geometry);
+    beside.commit();
 }
 
 }  // namespace tool

@@ -56,12 +56,29 @@ public:
         return announced;
     }
 
-    // Some programs write more numbers than the section has, of elements of another kind.
-    void end_section()
+    // Whether the numbers of a section are not over yet.
+    bool more_numbers()
     {
         in.skip_blanks();
-        if (!in.at_end() && in.peek() != '#' && !is_letter(static_cast<char>(in.peek())))
-            in.fail("more numbers than the section should have");
+        return !in.at_end() && in.peek() != '#' && !is_letter(static_cast<char>(in.peek()));
+    }
+
+    void end_section()
+    {
+        if (more_numbers()) in.fail("more numbers than the section should have");
+    }
+
+    // Some programs write elements with more nodes into the section of those with corners alone.
+    void end_elements(std::string_view section, std::uint64_t items, std::uint64_t nodes)
+    {
+        if (items == 0 || !more_numbers()) return end_section();
+        const std::string place = in.place();
+        std::uint64_t numbers = items * (nodes + 1);
+        for (; more_numbers(); ++numbers) in.word();
+        const std::uint64_t found = numbers / items - 1;
+        if (numbers % items != 0) throw unreadable(place + ": more numbers than the section should have");
+        throw unreadable(place + ": " + std::string(section) + " of " + std::to_string(found) +
+                         " nodes are not supported, of " + std::to_string(nodes) + " they are");
     }
 
     cursor in;
@@ -100,11 +117,25 @@ private:
             read_nodes();
         } else {
             for (const medit_section& section : medit_sections)
-                if (equal_words(section.keyword, word)) return read_elements(section.type);
-            for (const char* foreign : {"QuadrilateralsQ2", "HexahedraQ2", "PrismsP2", "PyramidsP2"})
-                if (equal_words(foreign, word)) in().fail(word + " are not supported");
+                if (equal_words(section.keyword, word)) return read_elements(section);
+            refuse_foreign(word);
             leave_out(word);
         }
+    }
+
+    // Sections of elements that are not read.
+    void refuse_foreign(const std::string& word)
+    {
+        static constexpr struct {
+            std::string_view word;
+            const char* kind;
+        } foreign[] = {{"QuadrilateralsQ2", "quadrangles of 9 nodes"},
+                       {"HexahedraQ2", "hexahedra of 27 nodes"},
+                       {"PrismsP2", "wedges of 18 nodes"},
+                       {"PyramidsP2", "pyramids of 14 nodes"}};
+        for (const auto& section : foreign)
+            if (equal_words(section.word, word))
+                in().fail(std::string(section.kind) + " (section " + word + ") are not supported in MEDIT files");
     }
 
     // A section without a use here, as of corners and ridges, or with a misspelt name.
@@ -134,8 +165,9 @@ private:
         words_.end_section();
     }
 
-    void read_elements(zeb::element_type type)
+    void read_elements(const medit_section& section)
     {
+        const zeb::element_type type = section.type;
         const unsigned int size = zeb::NODES_PER_ELEMENT[type];
         const std::uint64_t count = words_.count(size + 1, "the number of elements");
         std::uint64_t& number = counts_[static_cast<std::size_t>(type)];
@@ -150,7 +182,7 @@ private:
             unsigned int* column = elements_.add(type, static_cast<std::int32_t>(reference), ++number);
             for (unsigned int k = 0; k < size; ++k) column[k] = node_index(nodes[k], 1);
         }
-        words_.end_section();
+        words_.end_elements(section.keyword, count, size);
     }
 
     medit_words words_;
@@ -267,7 +299,7 @@ void read_medit_solution(const source& from, mesh& m)
 
 mesh refuse_medit_solution(const source&)
 {
-    throw unreadable("holds values for a mesh and no mesh: name it with --sol beside its mesh");
+    throw unreadable("holds values for a mesh and no mesh: 'convert', among others, takes it by --sol beside its mesh");
 }
 
 }  // namespace tool

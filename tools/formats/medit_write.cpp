@@ -76,8 +76,10 @@ int kind_of(const field& f, std::uint64_t dimension)
 
 }  // namespace
 
-void write_medit(const mesh& m, sink& to, const write_options& options)
+void write_medit(const mesh& whole, sink& to, const write_options& options)
 {
+    const std::optional<mesh> rest = without_lost_nodes(whole, medit_holds, options);
+    const mesh& m = rest ? *rest : whole;
     const std::vector<writable_block> blocks = writable_blocks(m, "MEDIT", medit_holds, options);
     note_group_names(m, "MEDIT", options);
     std::vector<std::string> left_out;

@@ -46,6 +46,8 @@ public:
         result_.blocks = elements_.take();
         add_field("normals", normals_, 3);
         add_field("uv", uvs_, 2);
+        if (has_colours_) result_.notes.emplace_back("colours of nodes left out");
+        if (has_materials_) result_.notes.emplace_back("materials left out");
         if (polygons_ != 0)
             result_.notes.push_back(counted(polygons_, "polygon", "polygons") +
                                     " of five and more corners cut into triangles");
@@ -76,6 +78,8 @@ private:
             for (const unsigned int node : corners_) add(zeb::EL_NODE, {&node, 1});
         } else if (word == "g" || word == "o") {
             take_group(word == "g");
+        } else if (word == "usemtl" || word == "mtllib") {
+            has_materials_ = true;
         }
     }
 
@@ -93,12 +97,15 @@ private:
         return false;
     }
 
-    // Weights and colours behind the coordinates are left.
+    // Behind the coordinates may stand a weight, and a colour of three numbers.
     void take_node()
     {
         double p[3];
         for (double& x : p) x = real("a coordinate");
         std::copy_n(p, 3, pos_.append());
+        unsigned int further = 0;
+        for (; more_on_line() && in_.peek() != '#'; ++further) in_.word();
+        has_colours_ = has_colours_ || further >= 3;
         if (pos_.size() >= zeb::NONE_INDEX) in_.fail("more nodes than a mesh can hold");
     }
 
@@ -222,6 +229,8 @@ private:
     std::int32_t group_ = 0;
     std::int32_t next_group_ = 1;
     bool has_groups_ = false;
+    bool has_colours_ = false;
+    bool has_materials_ = false;
     std::uint64_t number_ = 0;
     std::uint64_t polygons_ = 0;
 };

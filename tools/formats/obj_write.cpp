@@ -122,7 +122,8 @@ private:
 
 void write_obj(const mesh& m, sink& to, const write_options& options)
 {
-    obj_writer(m, to, options).run();
+    const std::optional<mesh> rest = without_lost_nodes(m, obj_holds, options);
+    obj_writer(rest ? *rest : m, to, options).run();
 }
 
 }  // namespace tool

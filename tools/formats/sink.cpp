@@ -57,11 +57,17 @@ public:
         }
     }
 
-    void commit()
+    void finish()
     {
+        if (descriptor_ < 0) return;
         const int closed = close(descriptor_);
         descriptor_ = -1;
         if (closed != 0) throw_last_error();
+    }
+
+    void commit()
+    {
+        finish();
         if (file_) file_->commit();
     }
 
@@ -110,9 +116,15 @@ void sink::raw(const void* bytes, std::size_t count)
     }
 }
 
-void sink::commit()
+void sink::finish()
 {
     flush();
+    if (target_) target_->finish();
+}
+
+void sink::commit()
+{
+    finish();
     if (target_) target_->commit();
 }
 

@@ -66,7 +66,9 @@ public:
     }
     static constexpr std::size_t largest_take = std::size_t{1} << 18;
 
-    // Writes what is left and puts the file into its place.
+    // Writes what is left, so that nothing but the place of the file can fail afterwards.
+    void finish();
+    // The same, and puts the file into its place.
     void commit();
 
 private:

@@ -139,8 +139,8 @@ private:
     void require(bool fits, unsigned int size) const
     {
         if (fits) return;
-        throw unreadable("cell " + std::to_string(cell_) + " of type " + std::to_string(cells_.types[cell_]) + " has " +
-                         counted(size, "node", "nodes"));
+        cells_.fail(cell_, "cell " + std::to_string(cell_) + " of type " + std::to_string(cells_.types[cell_]) +
+                               " has " + counted(size, "node", "nodes"));
     }
 
     void take_one(element_type type, unsigned int size)
@@ -215,8 +215,8 @@ private:
                 require(size == 8, size);
                 return add(EL_HEXA8, {n[0], n[1], n[3], n[2], n[4], n[5], n[7], n[6]});
             default:
-                throw unreadable("cell " + std::to_string(cell_) + " is of type " + std::to_string(code) +
-                                 foreign_name(code) + ", which is not supported");
+                cells_.fail(cell_, "cell " + std::to_string(cell_) + " is of type " + std::to_string(code) +
+                                       foreign_name(code) + ", which is not supported");
         }
     }
 
@@ -265,6 +265,14 @@ unsigned int vtk_code_of(element_type type)
 {
     const auto* found = std::ranges::find(kinds, type, &cell_kind::type);
     return found == kinds.end() ? 0 : found->code;
+}
+
+void vtk_cells::fail(std::uint64_t cell, const std::string& reason) const
+{
+    std::string place;
+    for (const list& l : lists)
+        if (l.first <= cell) place = l.place + ": ";
+    throw unreadable(place + reason);
 }
 
 void vtk_cells::read_list(number_stream& in, std::uint64_t cells, std::uint64_t numbers, const cursor& where)
@@ -321,11 +329,11 @@ void assemble(vtk_cells&& cells, vtk_dialect dialect, mesh& result)
     std::uint64_t nodes = 0;
     for (const unsigned int size : cells.sizes) nodes += size;
     if (nodes != cells.nodes.size())
-        throw unreadable("the cells want " + std::to_string(nodes) + " nodes and have " +
-                         std::to_string(cells.nodes.size()));
+        cells.fail(cells.sizes.size(),
+                   "the cells want " + std::to_string(nodes) + " nodes and have " + std::to_string(cells.nodes.size()));
     if (cells.types.size() != cells.sizes.size())
-        throw unreadable(counted(cells.sizes.size(), "cell", "cells") + " and " +
-                         counted(cells.types.size(), "type", "types"));
+        cells.fail(cells.sizes.size(), counted(cells.sizes.size(), "cell", "cells") + " and " +
+                                           counted(cells.types.size(), "type", "types"));
     assembler(cells, dialect).run(result);
 }
 

@@ -24,6 +24,16 @@ struct vtk_cells {
     std::vector<unsigned int> sizes;        // number of nodes of each cell
     std::vector<std::uint8_t> types;        // codes
 
+    // Where the file begins to list the cells from `first` on: for messages.
+    struct list {
+        std::uint64_t first;
+        std::string place;
+    };
+    std::vector<list> lists;
+    void begin_list(const cursor& where) { lists.push_back({sizes.size(), where.place()}); }
+    // Fails at the list that this cell stands in.
+    [[noreturn]] void fail(std::uint64_t cell, const std::string& reason) const;
+
     // `count` numbers: the size and the nodes of every cell.
     void read_list(number_stream& in, std::uint64_t cells, std::uint64_t numbers, const cursor& where);
     // The end of every cell within the nodes; with `leading_zero` its beginning too.

@@ -63,6 +63,7 @@ private:
         const std::string_view encoding = in_.word();
         if (!equal_words(encoding, "ASCII") && !equal_words(encoding, "BINARY")) in_.fail("neither ASCII nor BINARY");
         binary_ = equal_words(encoding, "BINARY");
+        in_.set_binary(binary_);
         in_.expect("DATASET");
         const std::string kind(in_.word());
         if (!equal_words(kind, "UNSTRUCTURED_GRID") && !equal_words(kind, "POLYDATA"))
@@ -113,7 +114,6 @@ private:
     std::unique_ptr<number_stream> numbers(const scalar_info& type, std::uint64_t count, const char* what)
     {
         in_.skip_line();
-        in_.set_binary(binary_);
         const std::uint64_t most = !binary_          ? in_.left() / 2 + 1
                                    : type.bytes == 0 ? in_.left() * 8
                                                      : in_.left() / type.bytes;
@@ -132,7 +132,6 @@ private:
         resize(result_.pos, 3, count);
         if (count != 0) values->read(&result_.pos(0, 0), 3 * count);
         result_.node_numbers = numbering(0, count);
-        end_numbers();
     }
 
     std::uint64_t times(std::uint64_t count, std::uint64_t width) const
@@ -141,28 +140,24 @@ private:
         return count * width;
     }
 
-    void end_numbers() { in_.set_binary(false); }
-
     // Either `cells numbers` and the list, or, from 5.0 on, the counts of two arrays and these.
     void read_cells(vtk_cells& cells)
     {
         const std::uint64_t first = in_.count("a number of cells");
         const std::uint64_t second = in_.count("a number of entries");
         in_.skip_line();
+        cells.begin_list(in_);
         if (!next_is_offsets()) {
             static const scalar_info& int32 = info_of(scalar_type::int32);
             const auto values = numbers_here(int32, second);
-            cells.read_list(*values, first, second, in_);
-            return end_numbers();
+            return cells.read_list(*values, first, second, in_);
         }
         in_.expect("OFFSETS");
         const scalar_info& offset_type = type_word();
         cells.read_offsets(*numbers(offset_type, first, "offsets"), first, true, in_);
-        end_numbers();
         in_.expect("CONNECTIVITY");
         const scalar_info& node_type = type_word();
         cells.read_nodes(*numbers(node_type, second, "nodes of cells"), second);
-        end_numbers();
     }
 
     // A binary list may begin with any byte; a letter O is the upper byte of no sensible size.
@@ -174,7 +169,6 @@ private:
 
     std::unique_ptr<number_stream> numbers_here(const scalar_info& type, std::uint64_t count)
     {
-        in_.set_binary(binary_);
         const std::uint64_t most = binary_ ? in_.left() / type.bytes : in_.left() / 2 + 1;
         if (count > most) in_.fail("the file is too short for " + std::to_string(count) + " numbers of cells");
         if (!binary_) return std::make_unique<text_numbers>(in_, "a node of a cell");
@@ -194,6 +188,7 @@ private:
         if (types_read_) in_.fail("a second section of CELL_TYPES");
         types_read_ = true;
         const auto values = numbers(info_of(scalar_type::int32), count, "cell types");
+        cells_.lists = {{0, in_.place()}};
         cells_.types.reserve(count);
         values->for_each_block(count, [&](const std::int64_t* block, std::uint64_t n) {
             for (std::uint64_t i = 0; i < n; ++i) {
@@ -203,7 +198,6 @@ private:
                 cells_.types.push_back(static_cast<std::uint8_t>(block[i]));
             }
         });
-        end_numbers();
     }
 
     template <int Kind>
@@ -219,6 +213,7 @@ private:
         const auto kind = static_cast<std::size_t>(&part - poly_);
         if (const std::uint64_t count = part.nodes.size(); count != 0)
             std::copy_n(part.nodes.column(0), count, cells_.nodes.append(count));
+        for (const vtk_cells::list& l : part.lists) cells_.lists.push_back({cells_.sizes.size(), l.place});
         cells_.sizes.insert(cells_.sizes.end(), part.sizes.begin(), part.sizes.end());
         for (const unsigned int size : part.sizes)
             cells_.types.push_back(size == 3 && kind == 2  ? std::uint8_t{5}
@@ -241,7 +236,6 @@ private:
         field f{std::move(name), static_cast<unsigned int>(components), type.kind, {}};
         f.values.resize(items * components);
         values->read(f.values.data(), f.values.size());
-        end_numbers();
         if (owner_ == owner::nobody) return;
         if (items != items_)
             in_.fail("field " + quoted(f.name) + " has " + std::to_string(items) + " items instead of " +
@@ -275,7 +269,6 @@ private:
             numbers(info_of(binary_ ? scalar_type::uint8 : scalar_type::real32), count, "a colour table");
         double skipped = 0;
         for (std::uint64_t i = 0; i < count; ++i) values->read(&skipped, 1);
-        end_numbers();
     }
 
     template <unsigned int Components>

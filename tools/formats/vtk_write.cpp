@@ -245,7 +245,8 @@ private:
 
 void write_vtk(const mesh& m, sink& to, const write_options& options)
 {
-    vtk_writer(m, to, options).run();
+    const std::optional<mesh> rest = without_lost_nodes(m, vtk_holds, options);
+    vtk_writer(rest ? *rest : m, to, options).run();
 }
 
 }  // namespace tool

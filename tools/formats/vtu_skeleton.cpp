@@ -1,5 +1,6 @@
 #include "formats/vtu_skeleton.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "errors.h"
@@ -39,27 +40,36 @@ private:
     {
         const std::uint64_t begin = in_.offset();
         const bool of_array = depth_ == 1;
+        if (!of_array) begin_stretch(begin);
         const bool has_words = in_.copy_until('<', of_array ? nullptr : &result_.xml);
         if (of_array && has_words) result_.contents.back() = {begin, in_.offset()};
     }
 
     void take_tag()
     {
+        const std::uint64_t begin = in_.offset();
         std::string tag;
+        char quote = '\0';  // within a value, where a bracket ends nothing
         constexpr std::size_t longest = std::size_t{1} << 16;
         do {
-            tag.push_back(static_cast<char>(in_.peek()));
+            const char c = static_cast<char>(in_.peek());
+            tag.push_back(c);
             in_.skip_one();
-        } while (!ends(tag) && !in_.at_end() && tag.size() < longest);
-        if (!ends(tag)) in_.fail("a tag without an end");
+            if (quote != '\0' ? c == quote : (c == '"' || c == '\'') && !tag.starts_with("<!--"))
+                quote = quote != '\0' ? '\0' : c;
+        } while ((quote != '\0' || !ends(tag)) && !in_.at_end() && tag.size() < longest);
+        if (quote != '\0' || !ends(tag)) throw unreadable("byte " + std::to_string(begin) + ": a tag without an end");
         if (tag.starts_with("<!--")) return;
         const bool alone = tag.ends_with("/>");
+        begin_stretch(begin);
         if (tag.starts_with("</")) {
             depth_ -= depth_ > 0;
         } else if (depth_ > 0) {
             depth_ += !alone;
         } else if (tag.starts_with("<DataArray")) {
-            tag.insert(10, " part=\"" + std::to_string(result_.contents.size()) + '"');
+            const std::string part = " part=\"" + std::to_string(result_.contents.size()) + '"';
+            tag.insert(10, part);
+            result_.stretches.push_back({result_.xml.size() + 10 + part.size(), begin + 10});
             result_.contents.emplace_back();
             depth_ = !alone;
         } else if (tag.starts_with("<AppendedData")) {
@@ -68,6 +78,8 @@ private:
         }
         result_.xml += tag;
     }
+
+    void begin_stretch(std::uint64_t in_file) { result_.stretches.push_back({result_.xml.size(), in_file}); }
 
     static bool ends(std::string_view tag)
     {
@@ -89,6 +101,12 @@ private:
 };
 
 }  // namespace
+
+std::uint64_t vtu_skeleton::place_of(std::uint64_t xml_byte) const
+{
+    const auto behind = std::ranges::upper_bound(stretches, xml_byte, {}, &stretch::in_xml);
+    return behind == stretches.begin() ? 0 : xml_byte - behind[-1].in_xml + behind[-1].in_file;
+}
 
 vtu_skeleton cut_skeleton(const source& from)
 {

@@ -123,7 +123,6 @@ public:
           blocks_(writable_blocks(m, "VTU", vtu_holds, options)),
           compressor_(libdeflate_alloc_compressor(quick), libdeflate_free_compressor)
     {
-        note_group_names(m, "VTU", options);
         if (!compressor_) throw std::bad_alloc();
         if (!blocks_.empty()) cells_ = blocks_.back().first + blocks_.back().size();
     }
@@ -134,8 +133,10 @@ public:
         to_.text(std::endian::native == std::endian::little ? "LittleEndian" : "BigEndian");
         to_.text("\" header_type=\"UInt64\"");
         to_.text(ascii_ ? ">\n" : " compressor=\"vtkZLibDataCompressor\">\n");
-        to_.text("<UnstructuredGrid>\n<Piece NumberOfPoints=\"" + std::to_string(mesh_.pos.cols) +
-                 "\" NumberOfCells=\"" + std::to_string(cells_) + "\">\n");
+        to_.text("<UnstructuredGrid>\n");
+        write_group_names();
+        to_.text("<Piece NumberOfPoints=\"" + std::to_string(mesh_.pos.cols) + "\" NumberOfCells=\"" +
+                 std::to_string(cells_) + "\">\n");
         write_points();
         write_cells();
         write_data();
@@ -164,6 +165,19 @@ private:
             offset_ += out.size();
             appended_.push_back(std::move(out));
         }
+    }
+
+    // VTK has no place for them but in the data of the whole mesh: an array of the number and the dimension under each
+    // name, as meshio keeps the names of Gmsh files.
+    void write_group_names()
+    {
+        if (!mesh_.has_groups() || mesh_.group_names.empty()) return;
+        to_.text("<FieldData>\n");
+        for (const group_name& g : mesh_.group_names)
+            to_.text("<DataArray type=\"Int32\" Name=\"" + name_in_xml(g.name) +
+                     "\" NumberOfTuples=\"2\" format=\"ascii\">" + std::to_string(g.number) + ' ' +
+                     std::to_string(g.dimension) + "</DataArray>\n");
+        to_.text("</FieldData>\n");
     }
 
     void write_points()
@@ -276,7 +290,8 @@ private:
 
 void write_vtu(const mesh& m, sink& to, const write_options& options)
 {
-    vtu_writer(m, to, options).run();
+    const std::optional<mesh> rest = without_lost_nodes(m, vtu_holds, options);
+    vtu_writer(rest ? *rest : m, to, options).run();
 }
 
 }  // namespace tool

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -175,6 +176,22 @@ TEST_F(commands, BoundaryIsTheSurfaceOfASolidSeenFromOutside)
     EXPECT_EQ(tessolv({"check", folder.path("out.vtu"), "--profile", "closed"}).status, 0);
 }
 
+// A cube two of whose upper nodes are one.
+TEST_F(commands, BoundaryOfACollapsedElementHasTriangles)
+{
+    const tool::mesh cube =
+        mesh_by_hand({O, X, XY, Y, Z, {1, 0, 1}, {0.5, 1, 1}}).with(zeb::EL_HEXA8, {{0, 1, 2, 3, 4, 5, 6, 6}}, 5);
+    const run_result told = tessolv({"boundary", file(cube), "--output", folder.path("out.vtu"), "--json"});
+    EXPECT_EQ(told.status, 0);
+    EXPECT_EQ(json::parse(told.out)["kinds"], json::parse(R"({"triangle": 2, "quad": 4})"));
+    EXPECT_NE(told.err.find("note: 2 quadrangles with a node twice are triangles"), told.err.npos) << told.err;
+    const tool::mesh m = tool::read_mesh(tool::source::open(folder.path("out.vtu")));
+    EXPECT_EQ(elements_of(m, 0), (std::vector<nodes>{{6, 2, 3}, {4, 5, 6}}));
+    EXPECT_EQ(cell_values(m, "element"), (values{0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(json::parse(tessolv({"boundary", folder.path("out.vtu"), "--json"}).out)["faces"], 0);
+    EXPECT_EQ(tessolv({"boundary", file(cube), "--quiet"}).err, "");
+}
+
 TEST_F(commands, BoundaryOfASurfaceIsItsOpenEdges)
 {
     const auto [told, m] = run("boundary", mesh_by_hand({O, X, XY, Y}).with(zeb::EL_TRIA3, {{0, 1, 2}, {0, 2, 3}}));
@@ -262,6 +279,21 @@ TEST_F(commands, NeighborsMeetWhateverTheirKinds)
     EXPECT_EQ(list, "element,neighbours across its faces\npyramid 0,hexahedron 1,,,,\nhexahedron 1,,,,,,pyramid 0\n");
 }
 
+TEST_F(commands, WriteBothOutputsOrNone)
+{
+    const std::string path = file(house());
+    const std::string table = folder.path("table.csv");
+    const std::string out = folder.path("o.vtu");
+    for (const auto& [command, option] : {std::pair("neighbors", "--list"), std::pair("weld", "--map")}) {
+        EXPECT_EQ(tessolv({command, path, option, table, "--output", folder.path("none/o.vtu")}).status, 4);
+        EXPECT_EQ(tessolv({command, path, option, table, "--output", folder.path("o.stl")}).status, 4);
+        EXPECT_FALSE(std::filesystem::exists(table)) << command;
+        EXPECT_EQ(tessolv({command, path, option, folder.path("none/t.csv"), "--output", out}).status, 4);
+        EXPECT_EQ(tessolv({command, path, option, "/dev/full", "--output", out}).status, 4);
+        EXPECT_FALSE(std::filesystem::exists(out)) << command;
+    }
+}
+
 TEST_F(commands, TransformScalesThenTurnsThenMoves)
 {
     const tool::mesh m = mesh_by_hand({O, X, Y}).with(zeb::EL_TRIA3, {{0, 1, 2}});
@@ -289,6 +321,50 @@ TEST_F(commands, TransformLeavesAPlaneMeshInItsPlane)
     };
     EXPECT_EQ(rows({"--translate", "1", "0", "0"}), 2u);
     EXPECT_EQ(rows({"--translate", "1", "0", "2"}), 3u);
+}
+
+TEST_F(commands, NumbersBeyondAllUseAreWrongUsage)
+{
+    const std::string path = file(torn_square());
+    const std::string out = folder.path("out.vtu");
+    for (const strings& wrong : {strings{"transform", "--scale", "1e308", "--translate", "1e308", "0", "0"},
+                                 {"transform", "--translate", "1e300", "1e300", "1e300"},
+                                 {"transform", "--scale", "1e-330"},
+                                 {"transform", "--scale", "1e999"},
+                                 {"transform", "--angle", "inf", "--axis", "0", "0", "1"},
+                                 {"transform", "--angle", "90", "--axis", "0", "nan", "1"},
+                                 {"transform", "--centre", "0", "inf", "0"},
+                                 {"weld", "--tolerance", "inf"},
+                                 {"weld", "--tolerance", "nan"},
+                                 {"weld", "--tolerance", "-1"},
+                                 {"weld", "--tolerance", "1e308", "--relative", "box"},
+                                 {"clip", "--point", "inf", "0", "0", "--normal", "1", "0", "0"},
+                                 {"clip", "--point", "0", "0", "0", "--normal", "1", "nan", "0"},
+                                 {"clip", "--point", "0", "0", "0", "--normal", "0", "0", "0"},
+                                 {"quality", "--range", "0", "inf"},
+                                 {"quality", "--range", "nan", "1"},
+                                 {"quality", "--range", "-1e308", "1e308"},
+                                 {"quality", "--bins", "0"},
+                                 {"parts", "--select", "-1"}}) {
+        strings arguments{wrong[0], path, "--output", out};
+        arguments.insert(arguments.end(), wrong.begin() + 1, wrong.end());
+        const run_result result = tessolv(arguments);
+        EXPECT_EQ(result.status, 2) << testing::PrintToString(wrong) << result.err;
+        EXPECT_NE(result.err, "");
+        EXPECT_EQ(result.out, "") << testing::PrintToString(wrong);
+        EXPECT_FALSE(std::filesystem::exists(out)) << testing::PrintToString(wrong);
+    }
+}
+
+TEST_F(commands, DirectionsCountWhateverTheirLength)
+{
+    const tool::mesh m = mesh_by_hand({O, X, Y}).with(zeb::EL_TRIA3, {{0, 1, 2}});
+    for (const std::string length : {"1e-320", "1e-15", "1e300"}) {
+        const tool::mesh turned = run("transform", m, {"--angle", "450", "--axis", "0", "0", length}).mesh;
+        EXPECT_NEAR(turned.pos(1, 1), 1, 1e-12) << length;
+        EXPECT_NEAR(turned.pos(0, 2), -1, 1e-12) << length;
+        EXPECT_EQ(run("clip", m, {"--point", "0", "0", "-1", "--normal", "0", "0", length}).told["kept"], 1) << length;
+    }
 }
 
 TEST_F(commands, TransformRefusesWhatDoesNotGoTogether)
@@ -337,6 +413,12 @@ TEST_P(EveryCommand, RefusesWhatIsNoMeshToWorkWith)
         EXPECT_EQ(result.status, 3) << bytes << result.err;
         EXPECT_EQ(result.out, "");
         EXPECT_NE(result.err, "");
+        const run_result told = tessolv({command, folder.path("bad.mesh"), "--json"});
+        EXPECT_EQ(told.err, result.err);
+        const json line = json::parse(told.out);
+        EXPECT_EQ(line["file"], folder.path("bad.mesh"));
+        EXPECT_EQ("tessolv: " + folder.path("bad.mesh") + ": " + line["error"].get<std::string>() + '\n', result.err);
+        EXPECT_EQ(line["status"], 3);
     }
     EXPECT_EQ(tessolv({command, folder.path("none.mesh")}).status, 3);
     EXPECT_EQ(tessolv({command}).status, 2);
@@ -350,7 +432,12 @@ TEST_P(EveryCommand, OverwritesNoInputWithoutForce)
     const std::string bytes = test::read_file(path);
     EXPECT_EQ(tessolv({GetParam(), path, "--output", path}).status, 2);
     EXPECT_EQ(test::read_file(path), bytes);
-    EXPECT_EQ(tessolv({GetParam(), path, "--output", folder.path("none/out.vtu")}).status, 4);
+    const std::string nowhere = folder.path("none/out.vtu");
+    EXPECT_EQ(tessolv({GetParam(), path, "--output", nowhere}).status, 4);
+    const json line = json::parse(tessolv({GetParam(), path, "--output", nowhere, "--json"}).out);
+    EXPECT_EQ(line["file"], path);
+    EXPECT_EQ(line["status"], 4);
+    EXPECT_NE(line["error"].get<std::string>().find(nowhere), std::string::npos);
     EXPECT_EQ(tessolv({GetParam(), path, "--output", path, "--force"}).status, 0);
 }
 

@@ -140,6 +140,13 @@ tool::mesh two_elements(element_type type)
     return mesh_of({type});
 }
 
+std::vector<std::pair<int, std::uint64_t>> counts(const tool::mesh& m)
+{
+    std::vector<std::pair<int, std::uint64_t>> result;
+    for (const tool::element_block& block : m.blocks) result.emplace_back(block.type, block.size());
+    return result;
+}
+
 testing::AssertionResult is_well_ordered(const tool::mesh& m)
 {
     for (const tool::element_block& block : m.blocks) {

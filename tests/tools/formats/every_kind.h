@@ -22,6 +22,9 @@ tool::mesh two_elements(zeb::element_type type);
 // Elements of all these kinds in one mesh, with groups, names, fields on nodes and elements.
 tool::mesh mesh_of(const std::vector<zeb::element_type>& types);
 
+// The elements of a mesh by kind.
+std::vector<std::pair<int, std::uint64_t>> counts(const tool::mesh& m);
+
 // Whether every further node of the mesh lies in the middle of its corners, and the kind scores positive where it has a
 // measure.
 testing::AssertionResult is_well_ordered(const tool::mesh& m);

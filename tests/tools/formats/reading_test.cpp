@@ -64,8 +64,8 @@ TEST(ReadObj, CutsPolygonsAndKnowsGroupsContinuationsAndNegativeNumbers)
     EXPECT_EQ(nodes_of(m, 3, 0), (nodes{0, 1, 2, 3}));
     ASSERT_EQ(m.group_names.size(), 2u);
     EXPECT_EQ(m.group_names[1].name, "walls of it");
-    ASSERT_EQ(m.notes.size(), 1u);
-    EXPECT_EQ(m.notes[0], "1 polygon of five and more corners cut into triangles");
+    EXPECT_EQ(m.notes, (std::vector<std::string>{"colours of nodes left out", "materials left out",
+                                                 "1 polygon of five and more corners cut into triangles"}));
 }
 
 TEST(ReadMedit, TellsWhichSectionsItLeavesOutOnceEach)

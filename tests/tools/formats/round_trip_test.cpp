@@ -203,6 +203,60 @@ TEST(RoundTrip, KeepsTheNamesOfGroupsInGmshFiles)
     }
 }
 
+TEST(RoundTrip, KeepsTheNamesOfGroupsInVtuFiles)
+{
+    mesh was = test::mesh_of({EL_TRIA3, EL_TETRA4});
+    was.group_names = {{3, 4, "a <b> & \"c\""}, {-1, 9, "anywhere"}};
+    for (const bool ascii : {false, true}) {
+        const mesh is = test::read_bytes(test::written(was, "vtu", ascii));
+        ASSERT_EQ(is.group_names.size(), 2u);
+        EXPECT_EQ(find_group_name(is, 3, 4)->name, "a <b> & \"c\"");
+        EXPECT_EQ(find_group_name(is, 2, 4), nullptr);
+        EXPECT_EQ(find_group_name(is, 2, 9)->name, "anywhere");
+    }
+}
+
+TEST(RoundTrip, WritesBlanksForControlCharactersOfGroupNamesInVtuFiles)
+{
+    mesh was = test::mesh_of({EL_TETRA4});
+    was.group_names = {{3, 4, "a\x01z\n."}};
+    EXPECT_EQ(find_group_name(test::read_bytes(test::written(was, "vtu", true)), 3, 4)->name, "a z .");
+}
+
+// Data of the whole mesh that other programs write is no name of a group.
+TEST(RoundTrip, TakesOnlyGroupsThatThereAreForNames)
+{
+    mesh was = test::mesh_of({EL_TETRA4});
+    was.group_names = {{3, 4, "cycle"}};
+    const std::string bytes = test::written(was, "vtu", true);
+    const auto names = [&](const std::string& from, const std::string& to) {
+        std::string other = bytes;
+        other.replace(other.find(from), from.size(), to);
+        return test::read_bytes(other).group_names.size();
+    };
+    EXPECT_EQ(names(">4 3<", "> 4 3 <"), 1u);
+    EXPECT_EQ(names(">4 3<", ">5 3<"), 0u);
+    EXPECT_EQ(names(">4 3<", ">4 2<"), 0u);
+    EXPECT_EQ(names("Int32\" Name=\"cycle\" NumberOfTuples=\"2\"", "Float64\" Name=\"cycle\" NumberOfTuples=\"2\""),
+              0u);
+    EXPECT_EQ(names("NumberOfTuples=\"2\" format=\"ascii\">4 3<", "NumberOfTuples=\"3\" format=\"ascii\">4 3 1<"), 0u);
+}
+
+TEST(RoundTrip, KeepsFieldsWhoseNamesHaveBrackets)
+{
+    mesh was = test::two_elements(EL_TETRA4);
+    was.point_fields[0].name = "a > b <c>";
+    const std::string bytes = test::written(was, "vtu", true);
+    EXPECT_EQ(test::read_bytes(bytes).point_fields[0].name, "a > b <c>");
+    // Writers are free to escape brackets that close.
+    for (const std::string name : {"Name='a > b &lt;c>'", "Name=\"a &gt; b &lt;c&gt;\""}) {
+        const std::size_t begin = bytes.find("Name=\"a ");
+        const std::size_t end = bytes.find('"', begin + 6) + 1;
+        const mesh is = test::read_bytes(bytes.substr(0, begin) + name + bytes.substr(end));
+        EXPECT_EQ(is.point_fields[0].name, "a > b <c>") << name;
+    }
+}
+
 TEST(RoundTrip, KeepsNumbersOfNodesAndElementsInGmshFiles)
 {
     mesh was = test::two_elements(EL_TETRA4);

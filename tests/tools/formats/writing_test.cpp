@@ -114,6 +114,46 @@ TEST(FileBeside, FollowsALinkAndKeepsTheRights)
     EXPECT_TRUE(test::read_file(target).starts_with("# vtk"));
 }
 
+TEST(FileBeside, MakesWhatALinkLeadsTo)
+{
+    const test::temporary_folder folder;
+    ASSERT_EQ(symlink("further", folder.path("link").c_str()), 0);
+    ASSERT_EQ(symlink("target", folder.path("further").c_str()), 0);
+    write_mesh(tetrahedra(), folder.path("link"), "vtk");
+    EXPECT_TRUE(test::read_file(folder.path("target")).starts_with("# vtk"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("further")));
+    ASSERT_EQ(symlink("round", folder.path("round").c_str()), 0);
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("round"), "vtk"), unwritable);
+    ASSERT_EQ(symlink("no/folder", folder.path("nowhere").c_str()), 0);
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("nowhere"), "vtk"), unwritable);
+}
+
+TEST(Lossy, LeavesOutTheNodesThatNobodyHasAnyMore)
+{
+    mesh m = test::mesh_of({EL_TRIA3, EL_TRIA6});
+    const std::uint64_t all = m.pos.cols;
+    // One node between corners is a corner of the linear triangles too.
+    m.blocks[0].connect(0, 0) = m.blocks[1].connect(3, 0);
+    for (const char* format : {"obj", "medit"}) {
+        const bool is_held = std::string_view(format) == "medit";
+        std::vector<std::string> notes;
+        write_options options;
+        options.lossy = true;
+        options.notes = &notes;
+        std::string bytes;
+        sink to(bytes);
+        format_named(format).write(m, to, options);
+        to.commit();
+        const mesh is = test::read_bytes(bytes);
+        EXPECT_EQ(is.pos.cols, is_held ? all : all - 5) << format;
+        EXPECT_EQ(std::ranges::count(notes, "5 nodes between corners left out"), is_held ? 0 : 1) << format;
+        EXPECT_FALSE(faults_of(is).any());
+        for (std::uint64_t i = 0; i < 3; ++i)
+            EXPECT_EQ(is.pos(i, is.blocks[0].connect(0, 0)), m.pos(i, m.blocks[1].connect(3, 0))) << format;
+    }
+}
+
 TEST(Lossy, WritesCornersAndTellsWhatIsLeftOut)
 {
     std::vector<std::string> notes;
@@ -131,12 +171,14 @@ TEST(Lossy, WritesCornersAndTellsWhatIsLeftOut)
 }
 
 // What goes wrong in writing a mesh of these kinds.
-std::string refusal_of(const char* format, std::initializer_list<element_type> kinds)
+std::string refusal_of(const char* format, std::initializer_list<element_type> kinds, bool lossy = false)
 {
+    write_options options;
+    options.lossy = lossy;
     try {
         std::string bytes;
         sink to(bytes);
-        format_named(format).write(test::mesh_of(kinds), to, {});
+        format_named(format).write(test::mesh_of(kinds), to, options);
         return "written";
     } catch (const unwritable& told) {
         return told.what();
@@ -146,8 +188,11 @@ std::string refusal_of(const char* format, std::initializer_list<element_type> k
 TEST(Refusal, NamesTheWayToASurfaceOnlyWhereTheFormatHoldsNoSolids)
 {
     EXPECT_EQ(refusal_of("vtu", {EL_PYRAMID14}), "VTU cannot hold 2 pyramids of 14 nodes; --lossy writes what it can");
-    EXPECT_EQ(refusal_of("obj", {EL_HEXA8}),
+    EXPECT_EQ(refusal_of("obj", {EL_HEXA8}), "OBJ cannot hold 2 hexahedra; 'boundary' makes the surface");
+    EXPECT_EQ(refusal_of("obj", {EL_TRIA3, EL_HEXA8}),
               "OBJ cannot hold 2 hexahedra; --lossy writes what it can, 'boundary' makes the surface");
+    EXPECT_EQ(refusal_of("obj", {EL_HEXA8, EL_TETRA4}, true),
+              "OBJ can hold none of the elements; 'boundary' makes the surface");
 }
 
 TEST(LowerDimensions, AreLeftOutWhereAFormatHasNoPlaceForThem)
@@ -210,6 +255,16 @@ TEST(LibraryWriter, WritesTheBytesOfTheLibrary)
     ASSERT_EQ(zeb::tessolv::ensight_output(folder.path("b.geo").c_str(), m.pos, m.blocks[0].connect, EL_TETRA4), 0);
     EXPECT_EQ(test::read_file(folder.path("a.geo")), test::read_file(folder.path("b.geo")));
     EXPECT_NE(test::read_file(folder.path("a.case")).find("model: a.geo\n"), std::string::npos);
+}
+
+TEST(LibraryWriter, LeavesNoGeometryWithoutItsCase)
+{
+    const test::temporary_folder folder;
+    write_options options;
+    options.library = true;
+    std::filesystem::create_directory(folder.path("a.case"));
+    EXPECT_THROW(write_mesh(tetrahedra(), folder.path("a.geo"), {}, options), unwritable);
+    EXPECT_FALSE(exists(folder.path("a.geo")));
 }
 
 TEST(LibraryWriter, IsNotAskedForWhatItRefuses)

@@ -52,14 +52,6 @@ std::string every_format(const std::string& order)
     return script;
 }
 
-// The elements of a mesh by kind.
-std::vector<std::pair<int, std::uint64_t>> counts(const mesh& m)
-{
-    std::vector<std::pair<int, std::uint64_t>> result;
-    for (const element_block& block : m.blocks) result.emplace_back(block.type, block.size());
-    return result;
-}
-
 class GmshFiles : public testing::Test {
 protected:
     void SetUp() override
@@ -90,7 +82,7 @@ void expect_same_mesh(const mesh& is, const mesh& was, const std::string& name)
     ASSERT_EQ(is.pos.cols, was.pos.cols) << name;
     for (std::uint64_t j = 0; j < is.pos.cols; ++j)
         for (std::uint64_t i = 0; i < 3; ++i) ASSERT_NEAR(is.pos(i, j), was.pos(i, j), 1e-15) << name << " node " << j;
-    ASSERT_EQ(counts(is), counts(was)) << name;
+    ASSERT_EQ(test::counts(is), test::counts(was)) << name;
     for (std::size_t b = 0; b < is.blocks.size(); ++b) {
         EXPECT_EQ(is.blocks[b].connect, was.blocks[b].connect) << name << " type " << is.blocks[b].type;
         EXPECT_EQ(is.blocks[b].groups, was.blocks[b].groups) << name << " type " << is.blocks[b].type;
@@ -149,7 +141,7 @@ TEST_F(GmshFiles, OfOtherFormatsAreReadWithTheSameOrientation)
         const mesh first = read(order + "02.2.msh");
         for (const std::string name : {"0.vtk", "1.vtk"}) {
             const mesh m = read(order + name);
-            EXPECT_EQ(counts(m), counts(first)) << order << name;
+            EXPECT_EQ(test::counts(m), test::counts(first)) << order << name;
             EXPECT_TRUE(test::is_well_ordered(m)) << order << name;
         }
         const mesh tip = read(order + ".mesh");
@@ -202,7 +194,7 @@ TEST_F(GmshFiles, OfOtherFormatsAreReadByGmsh)
     for (const std::string name : {"ours.mesh", "ours2.mesh"}) {
         const mesh was = read(name);
         const mesh is = read(name + ".msh");
-        EXPECT_EQ(counts(is), counts(was)) << name << done.said;
+        EXPECT_EQ(test::counts(is), test::counts(was)) << name << done.said;
         EXPECT_EQ(is.pos.cols, was.pos.cols) << name;
         EXPECT_TRUE(test::is_well_ordered(is)) << name;
     }
