@@ -173,22 +173,22 @@ tensor<3> times_power_of_two(tensor<3> M, int exponent)
     return M;
 }
 
-bool intersect(const tensor<3>& M1, const tensor<3>& M2, tensor<3>& result)
-{
-    cholesky_factor f;
-    if (!cholesky(M1, f)) return false;
-    const auto C = reduced(M2, f);
-    if (!is_finite(C)) return false;
-    result = intersection(M1, M2, C, f.L);
-    return true;
-}
-
 template <std::size_t N>
 bool store_if_finite(const tensor<N>& result, tensor<N>& Mout)
 {
     if (!is_finite(result)) return false;
     Mout = result;
     return true;
+}
+
+// Apart from the rest, which is faster so.
+[[gnu::noinline]] bool minimum_near_1(const tensor<3>& M1, const tensor<3>& M2, double greatest, tensor<3>& Mout)
+{
+    if (!(greatest > 0.0)) return false;
+    const int exponent = std::ilogb(greatest);
+    tensor<3> result;
+    return minimum_metric(times_power_of_two(M1, -exponent), times_power_of_two(M2, -exponent), result) &&
+           store_if_finite(times_power_of_two(result, exponent), Mout);
 }
 
 }  // namespace
@@ -207,12 +207,11 @@ bool minimum_metric(const symmetric_fixed<double, 3>& M1, const symmetric_fixed<
 {
     if (!is_finite(M1) || !is_finite(M2)) return false;
     const double greatest = std::max({M1[0], M1[2], M1[5]});
-    if (!(greatest > 0.0)) return false;
-    tensor<3> result;
-    if (squares_fit(greatest)) return intersect(M1, M2, result) && store_if_finite(result, Mout);
-    const int exponent = std::ilogb(greatest);
-    return intersect(times_power_of_two(M1, -exponent), times_power_of_two(M2, -exponent), result) &&
-           store_if_finite(times_power_of_two(result, exponent), Mout);
+    if (!squares_fit(greatest)) return minimum_near_1(M1, M2, greatest, Mout);
+    cholesky_factor f;
+    if (!cholesky(M1, f)) return false;
+    const auto C = reduced(M2, f);
+    return is_finite(C) && store_if_finite(intersection(M1, M2, C, f.L), Mout);
 }
 
 }  // namespace zeb::tessolv
