@@ -169,11 +169,11 @@ def test_profiles_and_rules_are_those_of_the_program(tmp_path):
         assert_same(mesh.check(rules=given), theirs, mesh.cells, tmp_path / "mesh.msh")
     named = {"profile": "solver", "faults": {"parts": "off"}}
     (tmp_path / "rules.json").write_text(json.dumps(named))
-    for profile in (None, "default", "closed"):
-        options = () if profile is None else ("--profile", profile)
+    for wanted in (None, "default", "closed"):
+        options = () if wanted is None else ("--profile", wanted)
         (theirs,) = by_program([tmp_path / "mesh.msh"], "--rules", tmp_path / "rules.json", *options)
-        assert_same(mesh.check(profile=profile, rules=named), theirs, mesh.cells, tmp_path / "mesh.msh")
-        assert theirs["rules"]["profile"] == (profile or "solver")
+        assert_same(mesh.check(profile=wanted, rules=named), theirs, mesh.cells, tmp_path / "mesh.msh")
+        assert theirs["rules"]["profile"] == (wanted or "solver")
     assert mesh.check(rules=mesh.check(profile="solver").rules).to_dict() == mesh.check(profile="solver").to_dict()
 
 
