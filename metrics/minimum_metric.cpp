@@ -132,8 +132,8 @@ double dot(const vector_fixed<double, 3>& a, const vector_fixed<double, 3>& b)
 // and the result is M1 + (mu - 1) v v' or M2 + (1 - mu) v v' with v = L w, where the unit vector w spans the columns of
 // (C - mu' I)(C - mu'' I), whose factors cancel the directions of the other two. Applied once more they cancel what the
 // rounding of mu' and mu'' left, which is much where the three are of different magnitudes. The Rayleigh quotient of w
-// then knows mu better than the spectrum does; unless mu and its neighbour are both 1 but for rounding, when w may be any
-// direction.
+// then knows mu better than the spectrum does, within the doubt that this leaves: where mu and its neighbour are nearly
+// equal beside the third, what w still has of the direction of the third may outweigh what mu lacks to 1.
 tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>& C, const square_matrix<3>& L)
 {
     direct_spectrum s;
@@ -149,9 +149,9 @@ tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>
     const double scale = squared > 0.0 ? 1.0 / squared : 0.0;
     for (double& component : w) component *= scale;
     w = shifted_product(C, mu[other], shifted_product(C, mu[1], w));
-    const double length = dot(w, w), most = std::abs(mu[alone] - 1.0) + 1e-15 * (mu[2] - mu[0]);
+    const double length = dot(w, w), known = std::abs(mu[alone] - 1.0), doubt = 1e-15 * (mu[2] - mu[0]);
     const double excess = std::abs(dot(w, shifted_product(C, 1.0, w)));
-    const double weight = length > 0.0 ? std::min(excess / length, most) / length : 0.0;
+    const double weight = length > 0.0 ? std::clamp(excess / length, known - doubt, known + doubt) / length : 0.0;
     const double v[] = {L(0, 0) * w[0], L(1, 0) * w[0] + L(1, 1) * w[1],
                         L(2, 0) * w[0] + L(2, 1) * w[1] + L(2, 2) * w[2]};
     tensor<3> result = greatest_alone ? M1 : M2;
@@ -160,12 +160,35 @@ tensor<3> intersection(const tensor<3>& M1, const tensor<3>& M2, const tensor<3>
     return result;
 }
 
+// Whether products of two entries keep their digits, where `greatest` is the greatest entry on the diagonal. Otherwise
+// both tensors are brought near 1 by the same power of two, of which the directions and mu know nothing.
+bool squares_fit(double greatest)
+{
+    return greatest > 1e-140 && greatest < 1e140;
+}
+
+tensor<3> times_power_of_two(tensor<3> M, int exponent)
+{
+    for (double& m : M) m = std::ldexp(m, exponent);
+    return M;
+}
+
 template <std::size_t N>
 bool store_if_finite(const tensor<N>& result, tensor<N>& Mout)
 {
     if (!is_finite(result)) return false;
     Mout = result;
     return true;
+}
+
+// Apart from the rest, which is faster so.
+[[gnu::noinline]] bool minimum_near_1(const tensor<3>& M1, const tensor<3>& M2, double greatest, tensor<3>& Mout)
+{
+    if (!(greatest > 0.0)) return false;
+    const int exponent = std::ilogb(greatest);
+    tensor<3> result;
+    return minimum_metric(times_power_of_two(M1, -exponent), times_power_of_two(M2, -exponent), result) &&
+           store_if_finite(times_power_of_two(result, exponent), Mout);
 }
 
 }  // namespace
@@ -182,8 +205,11 @@ bool minimum_metric(const symmetric_fixed<double, 2>& M1, const symmetric_fixed<
 bool minimum_metric(const symmetric_fixed<double, 3>& M1, const symmetric_fixed<double, 3>& M2,
                     symmetric_fixed<double, 3>& Mout)
 {
+    if (!is_finite(M1) || !is_finite(M2)) return false;
+    const double greatest = std::max({M1[0], M1[2], M1[5]});
+    if (!squares_fit(greatest)) return minimum_near_1(M1, M2, greatest, Mout);
     cholesky_factor f;
-    if (!is_finite(M1) || !is_finite(M2) || !cholesky(M1, f)) return false;
+    if (!cholesky(M1, f)) return false;
     const auto C = reduced(M2, f);
     return is_finite(C) && store_if_finite(intersection(M1, M2, C, f.L), Mout);
 }

@@ -100,6 +100,32 @@ TEST(MinimumMetric, BeyondTheRangeOfDoubleIsFalseAndLeavesTheResult)
     EXPECT_EQ(solid, S3(4, 5, 6, 7, 8, 9));
 }
 
+// Squares of such entries are beyond the range of double.
+TEST(MinimumMetric, OfTinyAndOfHugeTensorsInSpaceIsThatOfOrdinaryOnesTimesThePower)
+{
+    const S3 M1(4, 1, 3, 0.5, -1, 5), M2(2, -1, 6, 0.25, 1, 3);
+    const auto times = [](S3 M, int exponent) {
+        for (double& m : M) m = std::ldexp(m, exponent);
+        return M;
+    };
+    S3 ordinary;
+    ASSERT_TRUE(minimum_metric(M1, M2, ordinary));
+    for (const int exponent : {-1000, -900, -600, 470, 600, 900, 1000}) {
+        S3 out;
+        ASSERT_TRUE(minimum_metric(times(M1, exponent), times(M2, exponent), out)) << exponent;
+        expect_close(times(out, -exponent), ordinary, 1e-14L);
+    }
+}
+
+TEST(MinimumMetric, OfATinyFirstTensorInSpaceThatIsIndefiniteIsFalse)
+{
+    for (const double size : {1.0, 1e-200, 1e-300, 1e200, 1e300}) {
+        S3 out(4, 5, 6, 7, 8, 9);
+        EXPECT_FALSE(minimum_metric(S3(size, 2 * size, size, 0, 0, size), S3(size, 0, size, 0, 0, size), out)) << size;
+        EXPECT_EQ(out, S3(4, 5, 6, 7, 8, 9));
+    }
+}
+
 TEST(MinimumMetric, InDirectionsWhereTheSecondTensorIsNotPositiveTheFirstAloneCounts)
 {
     S2 flat;
@@ -280,6 +306,21 @@ TEST(MinimumMetric, InACommonFrameTakesTheGreaterEigenvalues)
         S3 found;
         ASSERT_TRUE(minimum_metric(test::tensor_of(Q, a), test::tensor_of(Q, b), found));
         expect_close(found, expected, 1e-11L * test::largest_entry(expected));
+    }
+}
+
+// Two eigenvalues are 1 but for little more than the rounding of the third.
+TEST(MinimumMetric, OfTheUnitTensorAndANeedleIsTheNeedleMadeRound)
+{
+    std::mt19937_64 random(24);
+    std::uniform_real_distribution<double> unit;
+    for (int round = 0; round < 4000 && !HasFatalFailure(); ++round) {
+        const auto Q = test::random_frame<3>(random);
+        const long double greatest = std::pow(10.0L, 10 * unit(random));
+        const long double gap = greatest * std::pow(10.0L, -12 - 3 * unit(random));
+        S3 found;
+        ASSERT_TRUE(minimum_metric(diagonal<3>({1, 1, 1}), test::tensor_of<3>(Q, {1 - gap, 1, greatest}), found));
+        expect_close(found, test::tensor_of<3>(Q, {1, 1, greatest}), 1e-14L * greatest);
     }
 }
 
