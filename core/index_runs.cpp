@@ -2,6 +2,8 @@
 
 #include <tessolv/element_type.h>
 
+#include "core/processor.h"
+
 namespace zeb::tessolv {
 namespace {
 
@@ -57,12 +59,7 @@ template <class Bad>
     beyond = high;
 }
 
-#if defined(__x86_64__) && !defined(TESSOLV_BASELINE_ONLY)
-
-bool has_avx2()
-{
-    return __builtin_cpu_supports("avx2") != 0;
-}
+#ifdef TESSOLV_WIDE_VECTORS
 
 [[gnu::target("avx2")]] bool is_below_avx2(const unsigned int* run, std::uint64_t count, unsigned int n)
 {
@@ -86,11 +83,6 @@ bool has_avx2()
 }
 
 #else
-
-constexpr bool has_avx2()
-{
-    return false;
-}
 
 constexpr auto is_below_avx2 = is_below;
 constexpr auto is_below_or_none_avx2 = is_below_or_none;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 
+#include "core/processor.h"
 #include "core/scratch.h"
 #include "spatial/ordered_splitter.h"
 #include "spatial/rough_node.h"
@@ -91,7 +92,7 @@ private:
     std::array<bool, D> is_flat_;  // no coordinate is less than another one
     scratch<rough_node<D>> rough_;
     scratch<rough_node<D>> spare_;
-    const bool is_wide_ = has_wide_partition();
+    const bool is_wide_ = has_avx512();
     bool scattered_ = false;
     unsigned int deepest_ = 0;
 };

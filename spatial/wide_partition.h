@@ -14,18 +14,9 @@ struct dealing {
 };
 
 // Deals nodes before `end` four at a time, what is less than c in dimension d to the left and what is greater to the
-// right. Stops where fewer than four are left, and before four of which one is neither. Only where has_wide_partition()
-// says so.
+// right. Stops where fewer than four are left, and before four of which one is neither. For processors with
+// has_avx512().
 void deal_by_four(dealing<3>& nodes, const rough_node<3>* end, int d, float c);
-
-inline bool has_wide_partition()
-{
-#if defined(__x86_64__) && !defined(TESSOLV_BASELINE_ONLY)
-    return __builtin_cpu_supports("avx512f") != 0;
-#else
-    return false;
-#endif
-}
 
 }  // namespace zeb::tessolv
 

@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "core/processor.h"
 #include "topology/face_groups.h"
 
-#if defined(__x86_64__) && !defined(TESSOLV_BASELINE_ONLY)
+#ifdef TESSOLV_WIDE_VECTORS
 #include <immintrin.h>
-#define TESSOLV_WIDE_LISTS
 #endif
 
 namespace zeb::tessolv {
@@ -107,7 +107,7 @@ public:
         return (halves[0] | halves[1]) != 0;
     }
 
-#ifdef TESSOLV_WIDE_LISTS
+#ifdef TESSOLV_WIDE_VECTORS
     // Eight at a time.
     [[gnu::target("avx2"), gnu::always_inline]] inline bool contains_by_eight(unsigned int vertex) const
     {
@@ -167,7 +167,7 @@ public:
         }
     }
 
-#ifdef TESSOLV_WIDE_LISTS
+#ifdef TESSOLV_WIDE_VECTORS
     // The same (1 M tetrahedra: 22.7 ms against 18.8, shuffled 42.6 against 36.5).
     template <class Element>
     [[gnu::target("avx2")]] void enter_by_eight(const dense2D<unsigned int>& connect, std::uint64_t entered)
@@ -234,8 +234,8 @@ template <std::size_t Width>
         if (!lists.allocate()) return false;
         std::uint64_t entered = 0;
         for_each_matrix(meshes, [&](auto element, const dense2D<unsigned int>& connect) {
-#ifdef TESSOLV_WIDE_LISTS
-            if (__builtin_cpu_supports("avx2") != 0)
+#ifdef TESSOLV_WIDE_VECTORS
+            if (has_avx2())
                 lists.template enter_by_eight<decltype(element)>(connect, entered);
             else
 #endif

@@ -8,6 +8,7 @@
 #include <limits>
 #include <vector>
 
+#include "core/processor.h"
 #include "support/random_meshes.h"
 
 using namespace zeb::tessolv;
@@ -76,12 +77,12 @@ void expect_the_same(const measured_kind& kind, const score_functions& wider)
 
 TEST(WideScores, FourAtATimeAreThoseOfTwoAtATimeToTheBit)
 {
-    if (!has_four_lanes()) GTEST_SKIP() << "a processor without AVX2";
+    if (!has_avx2()) GTEST_SKIP() << "a processor without AVX2";
     for (const auto& kind : kinds) expect_the_same(kind, four_at_a_time);
 }
 
 TEST(WideScores, EightAtATimeAreThoseOfTwoAtATimeToTheBit)
 {
-    if (!has_eight_lanes()) GTEST_SKIP() << "a processor without AVX-512";
+    if (!has_avx512()) GTEST_SKIP() << "a processor without AVX-512";
     for (const auto& kind : kinds) expect_the_same(kind, eight_at_a_time);
 }
