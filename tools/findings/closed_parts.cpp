@@ -1,6 +1,7 @@
 #include "findings/closed_parts.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -127,7 +128,8 @@ private:
             const auto [least, most] = std::ranges::minmax(some, {}, [k](const placed& p) { return p.middle[k]; });
             return most.middle[k] - least.middle[k];
         };
-        const std::size_t axis = std::ranges::max({std::size_t{0}, std::size_t{1}, std::size_t{2}}, {}, extent);
+        const std::array extents{extent(0), extent(1), extent(2)};
+        const auto axis = static_cast<std::size_t>(std::ranges::max_element(extents) - extents.begin());
         const std::size_t half = some.size() / 2;
         std::ranges::nth_element(some, some.begin() + static_cast<std::ptrdiff_t>(half), {},
                                  [axis](const placed& p) { return p.middle[axis]; });
