@@ -40,3 +40,10 @@ expect(short 1 "merge(list) is not the same in clang-O0")
 expect(long 1 "zoom is not the same in clang-O0")
 expect(failing 1 "the digest of clang-O0 failed")
 expect(silent 1 "the digest of clang-O0 printed nothing")
+
+# Without the other three, which are not built either.
+execute_process(COMMAND ${bash} ${SOURCE}/scripts/compare-digests --given gcc-O3=${WORK}/usual clang-O0=${WORK}/other
+  RESULT_VARIABLE code OUTPUT_VARIABLE text ERROR_VARIABLE text)
+if(NOT code EQUAL 1 OR NOT text MATCHES "merge\\(list\\) is not the same in clang-O0")
+  message(SEND_ERROR "Of two builds given: status ${code} in\n${text}")
+endif()
