@@ -152,7 +152,7 @@ private:
     }
 
     // How often the surface goes round a point: about 0 outside, 1 or -1 inside. What is three radii away counts as one
-    // patch, which is off by a few hundredths in all, while a quarter decides (after G. Barill et al. Fast winding
+    // patch: where a quarter decides, that is near enough (after G. Barill et al. Fast winding
     // numbers for soups and clouds. ACM Transactions on Graphics 37(4), 2018).
     double winding_around(const vector& point) const
     {

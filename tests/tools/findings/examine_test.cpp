@@ -1,8 +1,12 @@
 #include "findings/examine.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -203,6 +207,62 @@ TEST(ExamineFaults, CountClosedPartsInsideOut)
     };
     EXPECT_EQ(text(inward), "the closed surface is inside out");
     EXPECT_EQ(text(both), "1 of 2 closed surfaces inside out");
+}
+
+// The surface of a cube of n cells along each side around a middle, blown up to a ball if asked for.
+struct box_surface {
+    std::vector<place> at;
+    std::vector<nodes> quads;
+
+    void add(const place& middle, double half, int n, bool is_ball, bool inward)
+    {
+        std::map<std::array<int, 3>, unsigned> numbers;
+        const auto number_of = [&](const std::array<int, 3>& cell) {
+            const auto [known, is_new] = numbers.try_emplace(cell, static_cast<unsigned>(at.size()));
+            if (is_new) {
+                place x{};
+                double length = 0;
+                for (std::size_t k = 0; k < 3; ++k) x[k] = 2.0 * cell[k] / n - 1;
+                for (const double c : x) length += c * c;
+                for (std::size_t k = 0; k < 3; ++k)
+                    x[k] = middle[k] + half * x[k] / (is_ball ? std::sqrt(length) : 1.0);
+                at.push_back(x);
+            }
+            return known->second;
+        };
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            for (const bool far : {false, true}) {
+                for (int i = 0; i < n * n; ++i) {
+                    nodes quad;
+                    for (const auto& [u, v] : std::array<std::array<int, 2>, 4>{{{0, 0}, {1, 0}, {1, 1}, {0, 1}}}) {
+                        std::array<int, 3> cell{};
+                        cell[axis] = far ? n : 0;
+                        cell[(axis + 1) % 3] = i % n + u;
+                        cell[(axis + 2) % 3] = i / n + v;
+                        quad.push_back(number_of(cell));
+                    }
+                    if (far == inward) std::reverse(quad.begin(), quad.end());
+                    quads.push_back(quad);
+                }
+            }
+        }
+    }
+};
+
+TEST(ExamineFaults, TellCavitiesFromWhatLiesOutsideALargeSurface)
+{
+    box_surface all;
+    all.add({0, 0, 0}, 4, 40, true, false);
+    for (const double x : {-2, 0, 2})
+        for (const double y : {-2, 0, 2})
+            for (const double z : {-2, 0, 2}) all.add({x, y, z}, 0.1, 1, false, true);
+    for (const double x : {-2.5, 2.5})
+        for (const double y : {-2.5, 2.5})
+            for (const double z : {-2.5, 2.5}) all.add({x, y, z}, 0.1, 1, false, true);
+    EXPECT_EQ(examine(mesh_by_hand(all.at).with(EL_QUAD4, all.quads), tool::rules_of_profile("default"))
+                  .find(tool::fault::inside_out)
+                  ->text,
+              "8 of 36 closed surfaces inside out");
 }
 
 }  // namespace
